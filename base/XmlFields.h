@@ -1,0 +1,69 @@
+#ifndef QNCORVANE_BASE_XMLFIELDS_H
+#define QNCORVANE_BASE_XMLFIELDS_H
+
+#include <tinyxml.h>
+
+#include <algorithm>
+#include <iterator>
+
+#include "base/Numbers.h"
+#include "base/Text.h"
+#include "base/TextPool.h"
+#include "base/Xml.h"
+
+namespace Corvane {
+
+/// One row of a table that says which attribute fills which field of a record.
+template <class Record>
+struct XmlField {
+  Text Name;
+  void (*Read)(Record& record, Text value);
+};
+
+/// The ways in which an attribute's value gets into a field.
+template <class Record>
+struct Into {
+  /// The text itself, kept for the life of the process.
+  template <auto Field>
+  static void KeptText(Record& record, Text value) {
+    record.*Field = KeepText(OrEmpty(value));
+  }
+  template <auto Field>
+  static void Double(Record& record, Text value) {
+    record.*Field = ToDouble(value);
+  }
+  template <auto Field>
+  static void Integer(Record& record, Text value) {
+    record.*Field = ToInt32(value);
+  }
+  /// Read as a double and cut toward zero.
+  template <auto Field>
+  static void CutInteger(Record& record, Text value) {
+    record.*Field = TruncToInt32(ToDouble(value));
+  }
+  /// True because the attribute is there, whatever it says: "0" and "false" included.
+  template <auto Field>
+  static void Presence(Record& record, Text /*value*/) {
+    record.*Field = true;
+  }
+};
+
+/// Fills the field that the table names for the attribute. @return false when the table doesn't know the name.
+template <class Record, class FieldTable>
+bool ReadAttribute(const FieldTable& table, const TiXmlAttribute& attribute, Record& record) {
+  const auto* const field = std::find_if(std::begin(table), std::end(table),
+                                         [&](const auto& row) { return Same(row.Name, attribute.Name()); });
+  if (field == std::end(table)) return false;
+  field->Read(record, attribute.Value());
+  return true;
+}
+
+/// Fills the record from all attributes of an element; a name that the table doesn't know is skipped.
+template <class Record, class FieldTable>
+void ReadAttributes(const FieldTable& table, const TiXmlElement& element, Record& record) {
+  for (const TiXmlAttribute& attribute : Attributes(element)) ReadAttribute(table, attribute, record);
+}
+
+}  // namespace Corvane
+
+#endif

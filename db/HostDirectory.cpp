@@ -1,0 +1,15 @@
+#include "db/HostDirectory.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+
+namespace Corvane {
+
+QString HostDirectory() {
+  if (QCoreApplication::instance()) return QCoreApplication::applicationDirPath();
+  return QFileInfo(QFileInfo(QStringLiteral("/proc/self/exe")).symLinkTarget()).path();
+}
+
+QString InHostDirectory(const QString& name) { return QStringLiteral("%1/%2").arg(HostDirectory(), name); }
+
+}  // namespace Corvane

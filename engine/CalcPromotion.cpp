@@ -1,0 +1,65 @@
+#include "engine/CalcPromotion.h"
+
+#include <string>
+
+#include "base/Numbers.h"
+#include "engine/Driver.h"
+#include "engine/Log.h"
+#include "engine/ProState.h"
+#include "engine/Promotion.h"
+#include "engine/StatusText.h"
+#include "sale/ProSale.h"
+#include "sale/SaleReader.h"
+
+namespace Corvane {
+
+namespace {
+
+/// @return the text that refuses the call for an absent argument, or null. The key is asked for first.
+Text MissingArgument(Text key, Text mode, Text xml) {
+  if (IsEmpty(key)) return "销售单主键为空！";
+  if (IsEmpty(mode)) return "计算方式为空！";
+  if (IsEmpty(xml)) return "销售单为空！";
+  return nullptr;
+}
+
+std::int32_t RefuseMode(char* msg) {
+  ProState::Instance().Set(StateWord::kFree, msg);
+  Log(StatusText(Status::Success));
+  return -1;
+}
+
+std::int32_t Calculate(Text key, Text mode, Text xml, char* out, char* msg) {
+  ProSale& sale = ProSale::Create(key);
+  std::int32_t lineIndex = 0;
+  ReadSale(sale, xml, msg, lineIndex);
+  Log("初始化流水完成");
+  if (Promotion::Instance().Rules().empty()) CopyText(msg, "促销模型为空");
+  const ModeStep run = FindMode(mode);
+  return run != nullptr ? run({sale, lineIndex, out, msg}) : RefuseMode(msg);
+}
+
+}  // namespace
+
+std::int32_t CalcPromotion(Text key, Text mode, Text xml, char* out, char* msg) {
+  Log(OrEmpty(mode));
+  ProState& state = ProState::Instance();
+  if (state.Check(msg) != 1) {
+    Log(StatusText(state.CheckedStatus()));
+    return -1;
+  }
+  try {
+    const auto rules = static_cast<std::int32_t>(Promotion::Instance().Rules().size());
+    Log(Join(key, ":", FormatI(rules), "\n"));
+    if (const Text missing = MissingArgument(key, mode, xml)) {
+      CopyText(msg, missing);
+      return -1;
+    }
+    return Calculate(key, mode, xml, out, msg);
+  } catch (...) {
+    CopyText(msg, StatusText(Status::UnknownError));
+    return -1;
+  }
+}
+
+}  // namespace Corvane

@@ -1,0 +1,16 @@
+#ifndef QNCORVANE_ENGINE_CALCPROMOTION_H
+#define QNCORVANE_ENGINE_CALCPROMOTION_H
+
+#include <cstdint>
+
+#include "base/Text.h"
+
+namespace Corvane {
+
+/// The frame of every calculation: tests state and arguments, finds or creates the sale, merges the sale XML into it
+/// and runs the mode. include/qncorvane/qncorvane.h tells what a host may expect.
+std::int32_t CalcPromotion(Text key, Text mode, Text xml, char* out, char* msg);
+
+}  // namespace Corvane
+
+#endif

@@ -1,0 +1,105 @@
+#include "engine/Driver.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "engine/Log.h"
+#include "engine/Promotion.h"
+#include "engine/RuleSteps.h"
+#include "engine/StatusText.h"
+#include "sale/SaleWriter.h"
+
+namespace Corvane {
+
+namespace {
+
+// --- The skip test ---------------------------------------------------------------------------------------------------
+
+/// Whether the rule runs on this kind of sale, by the sale's `IsCalc` and the rule's `Remark`.
+bool RunsOnSale(const ProInfo& rule, const ProSale& sale) {
+  const bool isDv = Same(rule.Remark, "DVCZK");
+  const bool isNv = Same(rule.Remark, "NVCZK");
+  if (Same(sale.IsCalc, "2")) return isNv;
+  if (Same(sale.IsCalc, "1")) return isDv;
+  if (Same(sale.IsCalc, "0")) return !isDv && !isNv;
+  return true;
+}
+
+/// The test with its trace in the log.
+bool IsSkipped(const ProInfo& rule, const ProSale& sale) {
+  if (RunsOnSale(rule, sale)) return false;
+  Log("跳过促销");
+  Log(OrEmpty(rule.BillNo));
+  return true;
+}
+
+// --- Passes ----------------------------------------------------------------------------------------------------------
+
+constexpr Text kEveryClass = nullptr;
+
+/// One pass over the registry, in its order: the rules that are not skipped, of one stacking class, whose type is in
+/// the set. The skip test comes first, so that a skipped rule is logged once a pass.
+void RunPass(ProSale& sale, Text primary, const TypeSteps& steps) {
+  for (const RulePtr& rule : Promotion::Instance().Rules()) {
+    const ProInfo& info = InfoOf(*rule);
+    if (IsSkipped(info, sale)) continue;
+    if (primary != kEveryClass && !Same(info.Primary, primary)) continue;
+    Scratch scratch;
+    if (const RuleStep run = FindStep(steps, info.ProType)) run(*rule, sale, scratch);
+  }
+}
+
+std::int32_t WriteResult(const Calculation& calculation) {
+  return WriteSale(calculation.Sale, calculation.Sale.Plus, calculation.Out, calculation.Msg);
+}
+
+// --- Modes for line promotions ---------------------------------------------------------------------------------------
+
+/// The promotion of a freshly scanned line, while the sale is open.
+std::int32_t RunSingle(const Calculation& calculation) {
+  ProSale& sale = calculation.Sale;
+  // Without a line of its own the call has nothing to work on and fails here, before any rule.
+  SalePlu& line = sale.Plus.at(static_cast<std::size_t>(calculation.LineIndex));
+  for (const RulePtr& rule : Promotion::Instance().Rules()) {
+    const ProInfo& info = InfoOf(*rule);
+    if (IsSkipped(info, sale) || !Same(info.ProType, "PTXS")) continue;
+    Scratch scratch;
+    RunOnLine(*rule, sale, line, scratch);
+  }
+  return WriteLine(sale.OrgCode, line, calculation.Out, calculation.Msg);
+}
+
+/// "DZ" rules meet the sale twice, by themselves and with all others: it is for their stacking to see that the second
+/// visit gives nothing more.
+std::int32_t RunAll(const Calculation& calculation) {
+  Log("计算模式为ALL时");
+  calculation.Sale.ResetResults();
+  RunPass(calculation.Sale, StackingClass::kDz, OrdinarySteps());
+  RunPass(calculation.Sale, kEveryClass, OrdinarySteps());
+  return WriteResult(calculation);
+}
+
+std::int32_t RunUnion(const Calculation& calculation) {
+  Log("计算模式为Union时");
+  calculation.Sale.ResetResults();
+  RunPass(calculation.Sale, StackingClass::kDz, OrdinarySteps());
+  RunPass(calculation.Sale, kEveryClass, OrdinarySteps());
+  return WriteResult(calculation);
+}
+
+struct Mode {
+  Text Name;
+  ModeStep Run;
+};
+
+constexpr Mode kModes[] = {{"Single", RunSingle}, {"All", RunAll}, {"Union", RunUnion}};
+
+}  // namespace
+
+ModeStep FindMode(Text mode) {
+  const auto* const found =
+      std::find_if(std::begin(kModes), std::end(kModes), [&](const Mode& row) { return Same(row.Name, mode); });
+  return found == std::end(kModes) ? nullptr : found->Run;
+}
+
+}  // namespace Corvane

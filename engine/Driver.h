@@ -1,0 +1,28 @@
+#ifndef QNCORVANE_ENGINE_DRIVER_H
+#define QNCORVANE_ENGINE_DRIVER_H
+
+#include <cstdint>
+
+#include "base/Text.h"
+#include "sale/ProSale.h"
+
+namespace Corvane {
+
+/// What a mode works on: the sale, the line that the call brought (-1 for several), and the host's buffers.
+struct Calculation {
+  ProSale& Sale;
+  std::int32_t LineIndex;
+  char* Out;
+  char* Msg;
+};
+
+/// A mode: takes the rules through their passes in the registry's order and writes the result. @return the call's
+/// result.
+using ModeStep = std::int32_t (*)(const Calculation& calculation);
+
+/// @return the mode of this name, compared exactly, or null.
+ModeStep FindMode(Text mode);
+
+}  // namespace Corvane
+
+#endif

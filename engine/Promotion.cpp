@@ -1,0 +1,64 @@
+#include "engine/Promotion.h"
+
+#include <QMutex>
+#include <QMutexLocker>
+#include <algorithm>
+#include <atomic>
+#include <utility>
+
+#include "base/Walk.h"
+
+namespace Corvane {
+
+Promotion& Promotion::Instance() {
+  static std::atomic<Promotion*> instance{nullptr};
+  static QMutex mutex;
+  if (Promotion* made = instance.load(std::memory_order_acquire)) return *made;
+  const QMutexLocker lock(&mutex);
+  if (instance.load(std::memory_order_relaxed) == nullptr) {
+    instance.store(new Promotion, std::memory_order_release);
+  }
+  return *instance.load(std::memory_order_relaxed);
+}
+
+std::int32_t Promotion::FindRule(Text billNo) const {
+  auto place = static_cast<std::int32_t>(rules.size());
+  for (const RulePtr& rule : LastToFirst(rules)) {
+    --place;
+    if (Same(InfoOf(*rule).BillNo, billNo)) return place;
+  }
+  return -1;
+}
+
+void Promotion::AddRule(RulePtr rule) {
+  const std::int32_t place = FindRule(InfoOf(*rule).BillNo);
+  if (place < 0) {
+    rules.push_back(std::move(rule));
+  } else {
+    rules[static_cast<std::size_t>(place)] = std::move(rule);
+  }
+}
+
+void Promotion::SortRules() {
+  std::stable_sort(rules.begin(), rules.end(), [](const RulePtr& left, const RulePtr& right) {
+    return CompareBytes(InfoOf(*left).JzDate, InfoOf(*right).JzDate) > 0;
+  });
+  std::vector<RulePtr> grouped;
+  for (const Text primary : {StackingClass::kDz, StackingClass::kPt, StackingClass::kDj}) {
+    std::copy_if(rules.begin(), rules.end(), std::back_inserter(grouped),
+                 [&](const RulePtr& rule) { return Same(InfoOf(*rule).Primary, primary); });
+  }
+  // The grouped rules go over the front; the length stays. A rule outside the three classes is overwritten or stays
+  // behind them, and an entry behind them may stand in front too: the order is defined for the three words only.
+  std::copy(grouped.begin(), grouped.end(), rules.begin());
+}
+
+void Promotion::RemoveRules(Text billNo) {
+  const bool all = SameIgnoringCase(billNo, "*");
+  rules.erase(
+      std::remove_if(rules.begin(), rules.end(),
+                     [&](const RulePtr& rule) { return all || SameIgnoringCase(InfoOf(*rule).BillNo, billNo); }),
+      rules.end());
+}
+
+}  // namespace Corvane

@@ -1,0 +1,42 @@
+#include "engine/RuleSteps.h"
+
+#include <algorithm>
+#include <type_traits>
+
+namespace Corvane {
+
+namespace {
+
+template <class Rule>
+void Calc(AnyRule& rule, ProSale& sale, Scratch& scratch) {
+  auto* own = std::get_if<Rule>(&rule);
+  if (own == nullptr) return;
+  if constexpr (std::is_invocable_v<decltype(&Rule::CalcRule), Rule&, ProSale&, Scratch&>) {
+    own->CalcRule(sale, scratch);
+  } else {
+    own->CalcRule(sale);
+  }
+}
+
+void CalcAllLines(AnyRule& rule, ProSale& sale, Scratch& scratch) {
+  if (auto* own = std::get_if<ProDirectLimit>(&rule)) own->CalcRule(sale, sale.Plus, scratch);
+}
+
+}  // namespace
+
+const TypeSteps& OrdinarySteps() {
+  static const TypeSteps steps = {{"PTXS", CalcAllLines}, {"PTPL", Calc<ProDirectBatch>}, {"PTOS", Calc<ProDirectOs>}};
+  return steps;
+}
+
+RuleStep FindStep(const TypeSteps& steps, Text proType) {
+  const auto found =
+      std::find_if(steps.begin(), steps.end(), [&](const TypeStep& step) { return Same(step.ProType, proType); });
+  return found == steps.end() ? nullptr : found->Run;
+}
+
+void RunOnLine(AnyRule& rule, ProSale& sale, SalePlu& line, Scratch& scratch) {
+  if (auto* own = std::get_if<ProDirectLimit>(&rule)) own->CalcRuleOnLine(sale, line, scratch);
+}
+
+}  // namespace Corvane

@@ -1,0 +1,37 @@
+#ifndef QNCORVANE_ENGINE_RULESTEPS_H
+#define QNCORVANE_ENGINE_RULESTEPS_H
+
+#include <vector>
+
+#include "promo/AnyRule.h"
+#include "sale/ProSale.h"
+
+namespace Corvane {
+
+/// Copies of lines that a rule's step leaves for itself; empty before and after each step.
+using Scratch = std::vector<SalePlu>;
+
+/// A rule's step. A rule whose class doesn't have it does nothing.
+using RuleStep = void (*)(AnyRule& rule, ProSale& sale, Scratch& scratch);
+
+/// Which step answers to a type word. The driver goes by the rule's `ProType`, the class by the word under which the
+/// rule was loaded; where the two don't fit, nothing happens.
+struct TypeStep {
+  Text ProType;
+  RuleStep Run;
+};
+
+/// A set of types.
+using TypeSteps = std::vector<TypeStep>;
+
+const TypeSteps& OrdinarySteps();  ///< "PTXS", "PTPL", "PTOS"
+
+/// @return null for a type outside the set.
+RuleStep FindStep(const TypeSteps& steps, Text proType);
+
+/// The single-line form of "PTXS".
+void RunOnLine(AnyRule& rule, ProSale& sale, SalePlu& line, Scratch& scratch);
+
+}  // namespace Corvane
+
+#endif

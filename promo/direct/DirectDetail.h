@@ -1,0 +1,44 @@
+#ifndef QNCORVANE_PROMO_DIRECT_DIRECTDETAIL_H
+#define QNCORVANE_PROMO_DIRECT_DIRECTDETAIL_H
+
+#include <cstdint>
+#include <vector>
+
+#include "db/QnPosDBPro.h"
+#include "rule/RuleRows.h"
+#include "sale/SaleRecords.h"
+
+namespace Corvane {
+
+/// The detail rows of an ordinary rule, from the table `tProPrjDirectProAct`: condition and action rows, filled
+/// pairwise. They hold what concerns the lines of one sale.
+class DirectDetail {
+ public:
+  void Clear();
+
+  /// Reads the rows that name the line's goods, category or brand. A row that several lines hit is kept once, by its
+  /// `SerialNo`. @return false when the database doesn't answer; the log then names the rule.
+  bool Load(QnPosDBPro& db, Text billNo, const SalePlu& line);
+
+  const std::vector<PluCondition>& Conditions() const { return m_conditions; }
+
+  /// The action row that was read with a condition row: the one of the same `Index`.
+  const PluAction& ActionOf(const ProDetailKey& condition) const;
+
+  /// The condition row itself, for a pointer to its head.
+  const PluCondition& ConditionOf(const ProDetailKey& head) const;
+
+ private:
+  bool Holds(std::int32_t serialNo) const;
+
+  std::vector<PluCondition> m_conditions;
+  std::vector<PluAction> m_actions;
+};
+
+/// Whether a class row names the line: a "CAT" row by the line's category, a "BRD" row by its brand. No other class
+/// word is known to the ordinary rules.
+bool MatchClassRow(const ProDetailKey& row, const SalePlu& line);
+
+}  // namespace Corvane
+
+#endif

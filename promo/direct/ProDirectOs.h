@@ -1,0 +1,54 @@
+#ifndef QNCORVANE_PROMO_DIRECT_PRODIRECTOS_H
+#define QNCORVANE_PROMO_DIRECT_PRODIRECTOS_H
+
+#include <vector>
+
+#include "db/QnPosDBPro.h"
+#include "promo/direct/DirectDetail.h"
+#include "rule/LineSelection.h"
+#include "rule/ProBase.h"
+#include "sale/ProSale.h"
+
+namespace Corvane {
+
+/// "PTOS", the rule by sets: of each complete set of `SaleCount` units of a goods, one unit gets the price. Units run
+/// across the lines of the goods, and what is left of a set carries over to the next line. Two such rules never share a
+/// line. Only goods codes count: class rows and "NOT" rows have no effect.
+class ProDirectOs : public ProBase {
+ public:
+  /// @param db copied; all copies share one connection.
+  explicit ProDirectOs(const QnPosDBPro& db) : m_db(db) {}
+
+  void InitRule(Text xml);
+
+  /// @param changed receives copies of the lines as they are discounted.
+  void CalcRule(ProSale& sale, std::vector<SalePlu>& changed);
+
+ private:
+  /// What a row's discount takes along.
+  struct RowWork {
+    ProSale& Sale;
+    std::vector<SalePlu>& Changed;
+    Text VipType;
+  };
+
+  /// Units and sets of one row, running across the lines.
+  struct SetCount {
+    double Sum = 0;      ///< units met so far
+    double Carry = 0;    ///< units that belong to no full set yet
+    double Applied = 0;  ///< sets given so far
+  };
+
+  void LoadRuleDetail(const ProSale& sale);
+  LinePtrs SelectRowLines(const LinePtrs& lines, const ProSale& sale) const;
+  void DiscountByRow(const PluCondition& condition, const LinePtrs& pool, const RowWork& work);
+  bool ApplyOsDiscount(const PluCondition& condition, SalePlu& line, SetCount& count, double left,
+                       const RowWork& work) const;
+
+  DirectDetail m_detail;
+  QnPosDBPro m_db;
+};
+
+}  // namespace Corvane
+
+#endif

@@ -1,0 +1,107 @@
+#include "rule/EligibleQuantity.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "base/Numbers.h"
+#include "base/Walk.h"
+#include "engine/Log.h"
+
+namespace Corvane {
+
+namespace {
+
+bool CountsAsUsed(const ProResult& row, Text primary, Text proType) {
+  const std::string_view family = FamilyOf(proType);
+  const bool ownFamily = FamilyOf(row.ProType) == family;
+  const bool ownFamilyCounts = family == Family::kOrdinary || family == Family::kCombination ||
+                               (family == Family::kFullAmount && !SameIgnoringCase(primary, StackingClass::kDj)) ||
+                               Same(primary, StackingClass::kPt);
+  return (ownFamily && ownFamilyCounts) || Same(row.Primary, StackingClass::kDz);
+}
+
+double UsedQuantity(const SalePlu& line, Text primary, Text proType) {
+  double used = 0;
+  for (const ProResult& row : LastToFirst(line.ProResults)) {
+    if (Same(proType, "PTOS") && Same(row.ProType, "PTOS")) {
+      // Two "PTOS" rules never share a line: the row takes all of it, whatever was summed so far. Rows met later add.
+      used = line.PluCount;
+    } else if (CountsAsUsed(row, primary, proType)) {
+      used += row.DisNum;
+    }
+  }
+  return used;
+}
+
+/// Whether the limit by quantity is enforced here and not by the type itself. "ZH" is no type, but a set menu asks
+/// under its family word.
+bool IsLimitedByQuantity(const ProInfo& rule, Text proType) {
+  constexpr Text kExempt[] = {"PTOS", "ZHGD", "ZHZX", "ZH", "ZHZY", "MZDP", "MZZP", "MZHG"};
+  const bool exempt =
+      std::any_of(std::begin(kExempt), std::end(kExempt), [&](Text type) { return Same(type, proType); });
+  return Same(rule.MaxYhType, LimitKind::kQuantity) && !exempt;
+}
+
+double CountHeldByRule(Text billNo, const std::vector<SalePlu>& lines) {
+  double held = 0;
+  for (const SalePlu& line : lines) {
+    for (const ProResult& row : line.ProResults) {
+      if (!Same(row.ProBillNo, billNo)) continue;
+      Log("11111");
+      held += row.DisNum;
+    }
+  }
+  return held;
+}
+
+}  // namespace
+
+double GetCalcCount(const SalePlu& line, const ProInfo& rule, const std::vector<SalePlu>& lines) {
+  return GetCalcCount(line, rule, rule.ProType, lines);
+}
+
+double GetCalcCount(const SalePlu& line, const ProInfo& rule, Text proType, const std::vector<SalePlu>& lines) {
+  Log(Join("促销优惠类型：", rule.MaxYhType));
+  Log(Join("促销类型：", proType));
+  const double used = UsedQuantity(line, rule.Primary, proType);
+  const bool limited = IsLimitedByQuantity(rule, proType);
+  double total = 0;
+  if (limited) {
+    Log("类型为2");
+    total = CountHeldByRule(rule.BillNo, lines);
+  }
+  Log(Join("计算整单已优惠数量：", FormatG6(total)));
+  const double remaining = line.PluCount - used;
+  if (!limited) return remaining;
+
+  const double room = rule.MaxYhValue - total;
+  // A rule that has passed its limit gets a negative quantity, which every caller takes for nothing.
+  if (room < remaining) return std::min(rule.MaxYhValue, room);
+  if (remaining <= 0) return 0;
+  Log(Join("可计算数量：", FormatG6(remaining)));
+  return std::min(rule.MaxYhValue, remaining);
+}
+
+double GetLineLeftTotal(const SalePlu& line, Text primary, Text proType) {
+  double used = 0;
+  for (const ProResult& row : LastToFirst(line.ProResults)) {
+    // Unlike the quantity: a "DJ" row never counts, and a row of the own family only under "PT".
+    const bool counts = Same(row.Primary, StackingClass::kDz) ||
+                        (Same(row.Primary, StackingClass::kPt) && FamilyOf(row.ProType) == FamilyOf(proType) &&
+                         !SameIgnoringCase(primary, StackingClass::kDj));
+    if (counts) used += row.BaseMoney;
+  }
+  return line.Total - std::min(used, line.Total);
+}
+
+double GetRuleLeftCount(Text billNo, double limit, const std::vector<SalePlu>& lines) {
+  double held = 0;
+  for (const SalePlu& line : lines) {
+    for (const ProResult& row : line.ProResults) {
+      if (Same(row.ProBillNo, billNo)) held += row.DisNum;
+    }
+  }
+  return RoundMoney(limit - held);
+}
+
+}  // namespace Corvane

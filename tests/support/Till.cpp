@@ -1,0 +1,249 @@
+#include "tests/support/Till.h"
+
+#include <sqlite3.h>
+#include <stdlib.h>
+#include <tinyxml.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sstream>
+
+#include "qncorvane/qncorvane.h"
+
+namespace Corvane::Testing {
+
+namespace {
+
+constexpr const char* kUntouched = "(untouched)";
+constexpr const char* kLogFile = "QnCorvane.txt";
+
+/// Far more room than any test's answer needs.
+class Buffer {
+ public:
+  Buffer() : m_room(4U << 20U) {
+    const std::string mark(kUntouched);
+    std::copy(mark.begin(), mark.end(), m_room.begin());
+  }
+  char* Data() { return m_room.data(); }
+  std::string Text() const { return m_room.data(); }
+
+ private:
+  std::vector<char> m_room;
+};
+
+/// The directory of this process's till, removed at its end.
+class TillDirectory {
+ public:
+  TillDirectory() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "qncorvane-till-XXXXXX").string();
+    m_path = mkdtemp(pattern.data());
+    std::ofstream(m_path + "/config.ini")
+        << "[DataBase]\nDbType=SQLITE\nServiceName=\nDBName=" << m_path << "/store.db\nUserName=\nPassword=\nPort=0\n";
+  }
+  TillDirectory(const TillDirectory&) = delete;
+  TillDirectory& operator=(const TillDirectory&) = delete;
+  ~TillDirectory() {
+    std::error_code ignored;
+    std::filesystem::remove_all(m_path, ignored);
+  }
+  const std::string& Path() const { return m_path; }
+
+ private:
+  std::string m_path;
+};
+
+const TillDirectory& OwnDirectory() {
+  static const TillDirectory directory;
+  return directory;
+}
+
+using Database = std::unique_ptr<sqlite3, decltype(&sqlite3_close)>;
+
+Database OpenStore() {
+  sqlite3* store = nullptr;
+  if (sqlite3_open((OwnDirectory().Path() + "/store.db").c_str(), &store) != SQLITE_OK) ADD_FAILURE() << "no store";
+  sqlite3_busy_timeout(store, 5000);
+  return {store, sqlite3_close};
+}
+
+void Execute(sqlite3* store, const std::string& statements) {
+  char* error = nullptr;
+  if (sqlite3_exec(store, statements.c_str(), nullptr, nullptr, &error) == SQLITE_OK) return;
+  ADD_FAILURE() << statements << ": " << error;
+  sqlite3_free(error);
+}
+
+std::string Drops(sqlite3* store) {
+  std::string drops;
+  const auto append = [](void* all, int, char** values, char**) {
+    *static_cast<std::string*>(all) += "drop table \"" + std::string(values[0]) + "\";";
+    return 0;
+  };
+  sqlite3_exec(store, "select name from sqlite_master where type='table'", append, &drops, nullptr);
+  return drops;
+}
+
+using AttributeList = std::vector<std::pair<std::string, std::string>>;
+
+AttributeList AttributesOf(const TiXmlElement& element) {
+  AttributeList attributes;
+  for (const TiXmlAttribute* next = element.FirstAttribute(); next != nullptr; next = next->Next()) {
+    attributes.emplace_back(next->Name(), next->Value());
+  }
+  return attributes;
+}
+
+/// Header attributes written as in XML overrule those of the same name and follow the others.
+AttributeList Overruled(AttributeList header, const std::string& written) {
+  TiXmlDocument document;
+  document.Parse(("<Rule " + written + "/>").c_str());
+  for (const auto& [name, value] : AttributesOf(*document.RootElement())) {
+    const auto held =
+        std::find_if(header.begin(), header.end(), [&name = name](const auto& pair) { return pair.first == name; });
+    if (held != header.end()) {
+      held->second = value;
+    } else {
+      header.emplace_back(name, value);
+    }
+  }
+  return header;
+}
+
+}  // namespace
+
+std::string Row::operator[](const std::string& name) const {
+  const auto found =
+      std::find_if(m_attributes.begin(), m_attributes.end(), [&](const auto& pair) { return pair.first == name; });
+  return found == m_attributes.end() ? "(absent)" : found->second;
+}
+
+std::vector<Row> RowsOf(const std::string& result, const std::string& group) {
+  TiXmlDocument document;
+  document.Parse(result.c_str());
+  std::vector<Row> rows;
+  const TiXmlElement* sale = document.RootElement();
+  const TiXmlElement* parent = sale == nullptr ? nullptr : sale->FirstChildElement(group);
+  if (parent == nullptr) {
+    ADD_FAILURE() << "no group " << group << " in " << result;
+    return rows;
+  }
+  for (const TiXmlElement* row = parent->FirstChildElement(); row != nullptr; row = row->NextSiblingElement()) {
+    rows.emplace_back(AttributesOf(*row));
+  }
+  return rows;
+}
+
+Row RowWhere(const std::string& result, const std::string& group, const std::string& name, const std::string& value) {
+  std::vector<Row> found;
+  for (const Row& row : RowsOf(result, group)) {
+    if (row[name] == value) found.push_back(row);
+  }
+  if (found.size() != 1) {
+    ADD_FAILURE() << found.size() << " rows of " << group << " with " << name << "=" << value << " in " << result;
+  }
+  return found.empty() ? Row({}) : found.front();
+}
+
+void Till::SetUp() {
+  std::filesystem::current_path(Directory());
+  FinishInitPro();
+  ASSERT_EQ(Clear("*").Code, 0);
+  ASSERT_EQ(ClearSales().Code, 0);
+  const Database store = OpenStore();
+  Execute(store.get(), Drops(store.get()));
+  TakeLog();
+}
+
+void Till::Sql(const std::string& statements) { Execute(OpenStore().get(), statements); }
+
+void Till::MakeTables() {
+  std::ifstream schema(QNCORVANE_SOURCE_DIR "/samples/schema/sqlite.sql");
+  std::stringstream statements;
+  statements << schema.rdbuf();
+  ASSERT_FALSE(statements.str().empty());
+  Sql(statements.str());
+}
+
+Answer Till::Load(const std::string& type, const std::string& xml) {
+  Buffer msg;
+  const int code = InitPromotion(type.c_str(), xml.c_str(), msg.Data());
+  return {code, msg.Text(), ""};
+}
+
+Answer Till::Clear(const std::string& billNo) {
+  Buffer msg;
+  const int code = ClearPromotion(msg.Data(), billNo.c_str());
+  return {code, msg.Text(), ""};
+}
+
+Answer Till::Calc(const std::string& key, const std::string& mode, const std::string& xml) {
+  Buffer out;
+  Buffer msg;
+  const int code = CalcPromotion(key.c_str(), mode.c_str(), xml.c_str(), out.Data(), msg.Data());
+  return {code, msg.Text(), out.Text()};
+}
+
+Answer Till::ClearSales() {
+  Buffer msg;
+  const int code = ClearSaleSetForNet(msg.Data());
+  return {code, msg.Text(), ""};
+}
+
+std::string Till::State() {
+  Buffer word;
+  return GetState(word.Data());
+}
+
+std::vector<std::string> Till::TakeLog() {
+  constexpr std::size_t kStampLength = sizeof "yyyy-MM-dd hh:mm:ss  " - 1;
+  std::ifstream file(kLogFile, std::ios::binary);
+  std::stringstream all;
+  all << file.rdbuf();
+  std::string text = all.str();
+  std::vector<std::string> entries;
+  for (std::size_t end = text.find("\n\r"); end != std::string::npos; end = text.find("\n\r")) {
+    entries.push_back(text.substr(std::min(kStampLength, end), end - std::min(kStampLength, end)));
+    text.erase(0, end + 2);
+  }
+  std::filesystem::remove(kLogFile);
+  return entries;
+}
+
+long Till::Count(const std::vector<std::string>& log, const std::string& entry) {
+  return std::count(log.begin(), log.end(), entry);
+}
+
+const std::string& Till::Directory() { return OwnDirectory().Path(); }
+
+std::string RuleXml(const std::string& billNo, const std::string& proType, const std::string& header,
+                    const std::string& groups, bool ownFilters) {
+  const AttributeList usual = {
+      {"BillNo", billNo}, {"OrgCode", "S01"}, {"ProType", proType},     {"ProMode", proType.substr(0, 2)},
+      {"ProStatus", "1"}, {"Primary", "PT"},  {"JzDate", "2026-01-01"}, {"MaxYhValue", "0"},
+      {"MaxYhType", ""},  {"Remark", ""}};
+  std::string xml = "<Rules><Rule";
+  for (const auto& [name, value] : Overruled(usual, header)) xml.append(" ").append(name).append("=\"" + value + "\"");
+  xml += ">";
+  if (!ownFilters) {
+    xml +=
+        R"(<OrgFilter><Row OrgCode="*"/></OrgFilter>)"
+        R"(<ProTime><Row StartDate="2000-01-01" EndDate="2099-12-31" StartTime="" EndTime="" Frequency="DAY"/></ProTime>)";
+  }
+  return xml + groups + "</Rule></Rules>";
+}
+
+std::string SaleXml(const std::string& lines, const std::string& groups, const std::string& isCalc) {
+  return "<Sale OrgCode=\"S01\" BillNo=\"B1\" IsCalc=\"" + isCalc + "\"><Plu>" + lines + "</Plu>" + groups + "</Sale>";
+}
+
+std::string LineXml(int serialNo, const std::string& pluCode, const std::string& price, const std::string& count,
+                    const std::string& total, const std::string& more) {
+  return "<D SerialNo=\"" + std::to_string(serialNo) + "\" PluCode=\"" + pluCode + "\" Price=\"" + price +
+         "\" PluCount=\"" + count + "\" Total=\"" + total +
+         "\" PackCnt=\"1\" SaleDate=\"2026-11-21\" SaleTime=\"10:00:00\" " + more + "/>";
+}
+
+}  // namespace Corvane::Testing

@@ -1,0 +1,63 @@
+#ifndef QNCORVANE_TESTS_UNIT_DBSTORE_H
+#define QNCORVANE_TESTS_UNIT_DBSTORE_H
+
+#include <gtest/gtest.h>
+
+#include <QByteArray>
+#include <QDir>
+#include <QFile>
+#include <QString>
+#include <QTemporaryDir>
+#include <string>
+
+#include "db/QnPosDBPro.h"
+
+namespace dbtest {
+
+/** Texts are compared as UTF-8, so that a failed comparison shows them. */
+inline std::string Utf8(const QString& text) { return text.toStdString(); }
+
+/** A store's directory: the current one for the life of this object, empty at first. */
+class Store {
+ public:
+  Store() : m_before(QDir::currentPath()) { QDir::setCurrent(m_directory.path()); }
+  ~Store() { QDir::setCurrent(m_before); }
+  Store(const Store&) = delete;
+  Store& operator=(const Store&) = delete;
+
+  QString Path(const QString& name) const { return m_directory.filePath(name); }
+
+  static void Write(const QString& name, const QByteArray& content) {
+    QFile file(name);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    ASSERT_EQ(file.write(content), content.size());
+  }
+
+  /** Writes "config.ini" with these lines in its group. */
+  static void Configure(const QByteArray& lines) { Write(QStringLiteral("config.ini"), "[DataBase]\n" + lines); }
+
+ private:
+  QTemporaryDir m_directory;
+  QString m_before;
+};
+
+/** `QnPosDBPro` with its fields in sight. */
+class OpenFields : public Corvane::QnPosDBPro {
+ public:
+  using QnPosDBPro::ConnName;
+  using QnPosDBPro::Db;
+  using QnPosDBPro::DBName;
+  using QnPosDBPro::DbType;
+  using QnPosDBPro::DbTypeUpper;
+  using QnPosDBPro::OpenFailed;
+  using QnPosDBPro::OpenName;
+  using QnPosDBPro::Password;
+  using QnPosDBPro::Port;
+  using QnPosDBPro::Queries;
+  using QnPosDBPro::ServiceName;
+  using QnPosDBPro::UserName;
+};
+
+}  // namespace dbtest
+
+#endif
