@@ -7,6 +7,7 @@
 #include "engine/Promotion.h"
 #include "engine/RuleSteps.h"
 #include "engine/StatusText.h"
+#include "promo/mz/GiftChoice.h"
 #include "sale/SaleWriter.h"
 
 namespace Corvane {
@@ -74,16 +75,69 @@ std::int32_t RunSingle(const Calculation& calculation) {
 std::int32_t RunAll(const Calculation& calculation) {
   Log("计算模式为ALL时");
   calculation.Sale.ResetResults();
+  RunPass(calculation.Sale, StackingClass::kDz, CombinationSteps());
   RunPass(calculation.Sale, StackingClass::kDz, OrdinarySteps());
   RunPass(calculation.Sale, kEveryClass, OrdinarySteps());
+  RunPass(calculation.Sale, kEveryClass, CombinationSteps());
   return WriteResult(calculation);
 }
 
 std::int32_t RunUnion(const Calculation& calculation) {
   Log("计算模式为Union时");
   calculation.Sale.ResetResults();
+  RunPass(calculation.Sale, StackingClass::kDz, CombinationSteps());
   RunPass(calculation.Sale, StackingClass::kDz, OrdinarySteps());
   RunPass(calculation.Sale, kEveryClass, OrdinarySteps());
+  return WriteResult(calculation);
+}
+
+std::int32_t RunZh(const Calculation& calculation) {
+  Log("计算模式为Zh时");
+  calculation.Sale.ResetResults();
+  RunPass(calculation.Sale, kEveryClass, CombinationSteps());
+  return WriteResult(calculation);
+}
+
+// --- Modes behind the line promotions: each builds on what is there --------------------------------------------------
+
+std::int32_t RunMzPromotion(const Calculation& calculation) {
+  RunPass(calculation.Sale, kEveryClass, FullAmountSteps());
+  return WriteResult(calculation);
+}
+
+std::int32_t RefuseGiftChoice(std::int32_t answer, char* msg) {
+  if (answer == GiftAnswer::kTotalOverflow) CopyText(msg, StatusText(Status::TotalOverflow));
+  if (answer == GiftAnswer::kNumberOverflow) CopyText(msg, StatusText(Status::NumberOverflow));
+  return answer;
+}
+
+/// The cashier's gift choice. What the picks use up runs over all rules together. A choice that doesn't fit is answered
+/// without a result, and the offers keep their values.
+std::int32_t RunGift(const Calculation& calculation) {
+  Log("赠品返回数据计算");
+  ProSale& sale = calculation.Sale;
+  double used = 0;
+  for (const RulePtr& rule : Promotion::Instance().Rules()) {
+    const std::int32_t answer = CheckGiftChoice(sale, InfoOf(*rule).BillNo, used);
+    if (answer != GiftAnswer::kFits) return RefuseGiftChoice(answer, calculation.Msg);
+  }
+  for (const RulePtr& rule : Promotion::Instance().Rules()) SetGiftLeft(sale, InfoOf(*rule).BillNo, used);
+  return WriteResult(calculation);
+}
+
+/// Payments are known. There is no skip test here and in the use of coupons.
+std::int32_t RunPay(const Calculation& calculation) {
+  Log("进入Pay节");
+  for (const RulePtr& rule : Promotion::Instance().Rules()) {
+    Scratch scratch;
+    if (const RuleStep run = FindStep(PaySteps(), InfoOf(*rule).ProType)) run(*rule, calculation.Sale, scratch);
+  }
+  return WriteResult(calculation);
+}
+
+std::int32_t RunCoupon(const Calculation& calculation) {
+  Log("满赠用券");
+  for (const RulePtr& rule : Promotion::Instance().Rules()) UseCoupons(*rule, calculation.Sale);
   return WriteResult(calculation);
 }
 
@@ -92,7 +146,9 @@ struct Mode {
   ModeStep Run;
 };
 
-constexpr Mode kModes[] = {{"Single", RunSingle}, {"All", RunAll}, {"Union", RunUnion}};
+constexpr Mode kModes[] = {
+    {"Single", RunSingle},           {"All", RunAll},   {"Union", RunUnion}, {"Zh", RunZh},
+    {"MzPromotion", RunMzPromotion}, {"Gift", RunGift}, {"Pay", RunPay},     {"Coupon", RunCoupon}};
 
 }  // namespace
 

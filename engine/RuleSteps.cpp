@@ -22,10 +22,35 @@ void CalcAllLines(AnyRule& rule, ProSale& sale, Scratch& scratch) {
   if (auto* own = std::get_if<ProDirectLimit>(&rule)) own->CalcRule(sale, sale.Plus, scratch);
 }
 
+/// Rules that give coupons are loaded as rules that take them: the two have one data shape, and the object answers to
+/// both steps.
+void GiveCoupons(AnyRule& rule, ProSale& sale, Scratch& /*scratch*/) {
+  if (auto* own = std::get_if<ProMzUseCoupon>(&rule)) own->ProMzCoupon::CalcRule(sale);
+}
+
 }  // namespace
 
 const TypeSteps& OrdinarySteps() {
   static const TypeSteps steps = {{"PTXS", CalcAllLines}, {"PTPL", Calc<ProDirectBatch>}, {"PTOS", Calc<ProDirectOs>}};
+  return steps;
+}
+
+const TypeSteps& CombinationSteps() {
+  static const TypeSteps steps = {{"ZHZY", Calc<ProCombFree>},
+                                  {"ZHGD", Calc<ProCombFixed>},
+                                  {"ZHTJ", Calc<ProCombCondition>},
+                                  {"ZHZX", Calc<ProCombChoice>}};
+  return steps;
+}
+
+const TypeSteps& FullAmountSteps() {
+  static const TypeSteps steps = {{"MZMJ", Calc<ProMzReduce>}, {"MZZQ", GiveCoupons},     {"MZDP", Calc<ProMzPlu>},
+                                  {"MZZM", Calc<ProMzFree>},   {"MZZP", Calc<ProMzGift>}, {"MZHG", Calc<ProMzGift>}};
+  return steps;
+}
+
+const TypeSteps& PaySteps() {
+  static const TypeSteps steps = {{"MZZF", Calc<ProMzPay>}};
   return steps;
 }
 
@@ -37,6 +62,10 @@ RuleStep FindStep(const TypeSteps& steps, Text proType) {
 
 void RunOnLine(AnyRule& rule, ProSale& sale, SalePlu& line, Scratch& scratch) {
   if (auto* own = std::get_if<ProDirectLimit>(&rule)) own->CalcRuleOnLine(sale, line, scratch);
+}
+
+void UseCoupons(AnyRule& rule, ProSale& sale) {
+  if (auto* own = std::get_if<ProMzUseCoupon>(&rule)) own->CalcRule(sale);
 }
 
 }  // namespace Corvane

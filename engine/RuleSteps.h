@@ -24,13 +24,19 @@ struct TypeStep {
 /// A set of types.
 using TypeSteps = std::vector<TypeStep>;
 
-const TypeSteps& OrdinarySteps();  ///< "PTXS", "PTPL", "PTOS"
+const TypeSteps& OrdinarySteps();     ///< "PTXS", "PTPL", "PTOS"
+const TypeSteps& CombinationSteps();  ///< "ZHZY", "ZHGD", "ZHTJ", "ZHZX"
+const TypeSteps& FullAmountSteps();   ///< "MZMJ", "MZZQ", "MZDP", "MZZM", "MZZP", "MZHG"
+const TypeSteps& PaySteps();          ///< "MZZF"
 
 /// @return null for a type outside the set.
 RuleStep FindStep(const TypeSteps& steps, Text proType);
 
 /// The single-line form of "PTXS".
 void RunOnLine(AnyRule& rule, ProSale& sale, SalePlu& line, Scratch& scratch);
+
+/// The use of coupons. There is no test of the type: only rules of the class that takes coupons have this step.
+void UseCoupons(AnyRule& rule, ProSale& sale);
 
 }  // namespace Corvane
 

@@ -12,15 +12,24 @@ RulePtr WithDatabase(const QnPosDBPro& db) {
   return std::make_shared<AnyRule>(std::in_place_type<Rule>, db);
 }
 
+template <class Rule>
+RulePtr WithoutDatabase(const QnPosDBPro& /*db*/) {
+  return std::make_shared<AnyRule>(std::in_place_type<Rule>);
+}
+
 struct RuleType {
   Text Word;
   RulePtr (*Make)(const QnPosDBPro& db);
 };
 
 constexpr RuleType kRuleTypes[] = {
-    {"PTXS", WithDatabase<ProDirectLimit>},
-    {"PTPL", WithDatabase<ProDirectBatch>},
-    {"PTOS", WithDatabase<ProDirectOs>},
+    {"PTXS", WithDatabase<ProDirectLimit>}, {"PTPL", WithDatabase<ProDirectBatch>},
+    {"PTOS", WithDatabase<ProDirectOs>},    {"ZHZY", WithDatabase<ProCombFree>},
+    {"ZHGD", WithDatabase<ProCombFixed>},   {"ZHTJ", WithDatabase<ProCombCondition>},
+    {"ZHZX", WithDatabase<ProCombChoice>},  {"MZMJ", WithDatabase<ProMzReduce>},
+    {"MZDP", WithDatabase<ProMzPlu>},       {"MZZM", WithDatabase<ProMzFree>},
+    {"MZZP", WithDatabase<ProMzGift>},      {"MZHG", WithDatabase<ProMzGift>},
+    {"MZZF", WithoutDatabase<ProMzPay>},    {"MZYQ", WithoutDatabase<ProMzUseCoupon>},
 };
 
 }  // namespace

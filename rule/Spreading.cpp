@@ -95,19 +95,6 @@ ProResult RowOf(const ProInfo& rule, const Share& share, double baseMoney, Text 
   return row;
 }
 
-/// The tail lands on the first rows of the first lines that have any, whoever wrote them.
-void PutTailOnFirstRows(const ProInfo& rule, const LinePtrs& lines, double tail, bool writeResult) {
-  const auto apportioned =
-      std::find_if(lines.begin(), lines.end(), [](const SalePlu* line) { return !line->Apportions.empty(); });
-  if (apportioned != lines.end()) (*apportioned)->Apportions.front().AppMoney() += tail;
-
-  const auto discounted =
-      std::find_if(lines.begin(), lines.end(), [](const SalePlu* line) { return !line->ProResults.empty(); });
-  if (discounted == lines.end()) return;
-  if (LowersTotalOfChosenLines(rule.ProType)) (*discounted)->Total -= tail;
-  if (writeResult) (*discounted)->ProResults.front().DisMoney += tail;
-}
-
 // --- Over the whole sale --------------------------------------------------------------------------------------------
 
 /// The tail lands on the rule's own rows: on the first line that has a result of it.
@@ -142,6 +129,18 @@ void ApportionRecords(const ProInfo& rule, const LinePtrs& lines, double money, 
   const auto first =
       std::find_if(lines.begin(), lines.end(), [](const SalePlu* line) { return !line->Apportions.empty(); });
   if (first != lines.end()) (*first)->Apportions.front().YhMoney += money - sum;
+}
+
+void PutTailOnFirstRows(const ProInfo& rule, const LinePtrs& lines, double tail, bool writeResult) {
+  const auto apportioned =
+      std::find_if(lines.begin(), lines.end(), [](const SalePlu* line) { return !line->Apportions.empty(); });
+  if (apportioned != lines.end()) (*apportioned)->Apportions.front().AppMoney() += tail;
+
+  const auto discounted =
+      std::find_if(lines.begin(), lines.end(), [](const SalePlu* line) { return !line->ProResults.empty(); });
+  if (discounted == lines.end()) return;
+  if (LowersTotalOfChosenLines(rule.ProType)) (*discounted)->Total -= tail;
+  if (writeResult) (*discounted)->ProResults.front().DisMoney += tail;
 }
 
 void SpreadOverLinePtrs(const ProInfo& rule, const LinePtrs& lines, double money, double base,

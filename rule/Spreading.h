@@ -35,6 +35,10 @@ void ApportionRecords(const ProInfo& rule, const LinePtrs& lines, double money, 
 void SpreadOverLinePtrs(const ProInfo& rule, const LinePtrs& lines, double money, double base,
                         const SpreadOptions& options);
 
+/// Puts a rounding tail on the first apportion row of the first line that has any, and on the first result row of the
+/// first line that has any, whoever wrote them; for the three types above that line's `Total` falls by it.
+void PutTailOnFirstRows(const ProInfo& rule, const LinePtrs& lines, double tail, bool writeResult);
+
 /// Spreads `money` over all lines of a sale in proportion to their part of `base`; a line that has a result of the rule
 /// is passed over. Here it is the other way about: `Total` falls for all types but "MZMJ", whose caller lowers it.
 /// `WriteResult` and `ByDisNum` of the options are not consulted: rows always go to both lists.

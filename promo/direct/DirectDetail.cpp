@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "db/RowReader.h"
+#include "db/RowFields.h"
 #include "engine/Log.h"
 #include "promo/PercentKept.h"
 #include "promo/Statement.h"
@@ -12,6 +12,28 @@
 namespace Corvane {
 
 namespace {
+
+/// A row of the table, as it stands there.
+struct DirectRow : ProDetailKey {
+  Text DscType = nullptr;
+  double DscPrice = 0;
+  double DscRate = 0;        ///< percent taken off
+  double SaleCount = 0;      ///< least quantity, or pieces of a set
+  double TradeMaxCount = 0;  ///< most quantity
+};
+
+using Column = FromColumn<DirectRow>;
+constexpr RowField<DirectRow> kColumns[] = {
+    {"SerialNo", Column::Integer<&DirectRow::SerialNo>},
+    {"PluCode", Column::KeptText<&DirectRow::PluCode>},
+    {"PluType", Column::KeptText<&DirectRow::PluType>},
+    {"InRange", Column::KeptText<&DirectRow::Contain>},
+    {"DscType", Column::KeptText<&DirectRow::DscType>},
+    {"DscPrice", Column::Double<&DirectRow::DscPrice>},
+    {"DscRate", Column::Double<&DirectRow::DscRate>},
+    {"SaleCount", Column::Double<&DirectRow::SaleCount>},
+    {"TradeMaxCount", Column::Double<&DirectRow::TradeMaxCount>},
+};
 
 QString SelectOfLine(Text billNo, const SalePlu& line) {
   return Statement(
@@ -40,28 +62,14 @@ bool DirectDetail::Load(QnPosDBPro& db, Text billNo, const SalePlu& line) {
     return false;
   }
   Log(Join("获取普通类促销详情成功", billNo));
-  RowReader rows(query);
-  const auto serialNo = rows.Place("SerialNo");
-  const auto saleCount = rows.Place("SaleCount");
-  const auto tradeMaxCount = rows.Place("TradeMaxCount");
-  const auto pluCode = rows.Place("PluCode");
-  const auto pluType = rows.Place("PluType");
-  const auto inRange = rows.Place("InRange");
-  const auto dscType = rows.Place("DscType");
-  const auto dscPrice = rows.Place("DscPrice");
-  const auto dscRate = rows.Place("DscRate");
-  while (rows.Next()) {
-    ProDetailKey head;
-    head.SerialNo = rows.Integer(serialNo);
-    if (Holds(head.SerialNo)) continue;
+  ReadRows(query, kColumns, [&](const DirectRow& row) {
+    if (Holds(row.SerialNo)) return;
+    ProDetailKey head = row;
     head.BillNo = billNo;
     head.Index = static_cast<std::int32_t>(m_conditions.size());
-    head.PluCode = rows.KeptText(pluCode);
-    head.PluType = rows.KeptText(pluType);
-    head.Contain = rows.KeptText(inRange);
-    m_conditions.push_back({head, rows.Double(saleCount), 0, rows.Double(tradeMaxCount)});
-    m_actions.push_back({head, rows.KeptText(dscType), 0, rows.Double(dscPrice), PercentKept(rows.Double(dscRate))});
-  }
+    m_conditions.push_back({head, row.SaleCount, 0, row.TradeMaxCount});
+    m_actions.push_back({head, row.DscType, 0, row.DscPrice, PercentKept(row.DscRate)});
+  });
   return true;
 }
 

@@ -1,0 +1,207 @@
+#include "promo/comb/ProCombChoice.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "base/Numbers.h"
+#include "base/Walk.h"
+#include "db/RowFields.h"
+#include "engine/Log.h"
+#include "promo/DetailQuery.h"
+#include "promo/Statement.h"
+#include "rule/EligibleQuantity.h"
+#include "rule/LineDiscount.h"
+#include "rule/MaxDiscount.h"
+#include "rule/RuleReader.h"
+
+namespace Corvane {
+
+namespace {
+
+using SlotColumn = FromColumn<CombChoiceSlot>;
+constexpr RowField<CombChoiceSlot> kSlotColumns[] = {
+    {"ProActCode", SlotColumn::KeptText<&CombChoiceSlot::ProActCode>},
+    {"ProActname", SlotColumn::KeptText<&CombChoiceSlot::ProActname>},
+    {"IsRequired", SlotColumn::Boolean<&CombChoiceSlot::IsRequired>},
+};
+
+using RowColumn = FromColumn<CombChoiceRow>;
+constexpr RowField<CombChoiceRow> kRowColumns[] = {
+    {"ProActCode", RowColumn::KeptText<&CombChoiceRow::ProActCode>},
+    {"PluCode", RowColumn::KeptText<&CombChoiceRow::PluCode>},
+    {"SaleCount", RowColumn::Double<&CombChoiceRow::SaleCount>},
+    {"DscPrice", RowColumn::Double<&CombChoiceRow::DscPrice>},
+};
+
+/// The lines that hold the article, from the last to the first.
+LinePtrs LinesOf(Text pluCode, const LinePtrs& lines) {
+  LinePtrs found;
+  std::copy_if(lines.rbegin(), lines.rend(), std::back_inserter(found),
+               [&](const SalePlu* line) { return Same(line->PluCode, pluCode); });
+  return found;
+}
+
+}  // namespace
+
+void ProCombChoice::InitRule(Text xml) { ReadRule(xml, *this); }
+
+void ProCombChoice::CalcRule(ProSale& sale, std::vector<SalePlu>& changed) {
+  Log("开始计算套餐自选，判断是否满足基本规则");
+  if (!CheckBaseCondition(sale)) return;
+  // Slots and rows that can't be read are missing; the rule goes on with those that were.
+  QString message;
+  LoadRuleDetail(message);
+  Log("基本规则满足");
+  LinePtrs matched;
+  const std::int32_t sets = GetChoiceSets(sale, matched);
+  if (sets == 0 || matched.empty()) return;
+  const CombWork work{sale, changed, MemberText(sale)};
+  ServeSlots(true, sets, matched, work);
+  ServeSlots(false, sets, matched, work);
+  LimitByMaxDiscount(Info, sale);
+}
+
+// --- Rows -----------------------------------------------------------------------------------------------------------
+
+bool ProCombChoice::LoadRuleDetail(QString& message) {
+  m_slots.clear();
+  if (!m_db.EnsureOpen(message)) return false;
+  if (LoadSlots(message) && LoadRows(message)) return true;
+  Log(message);
+  return false;
+}
+
+bool ProCombChoice::LoadSlots(QString& message) {
+  QSqlQuery query;
+  const QString sql =
+      Statement("select ProActCode,ProActname,IsRequired from tProPrjCombProAct where BillNo='", Info.BillNo, "'");
+  if (!OpenDetail(m_db, sql, query, message)) return false;
+  ReadRows(query, kSlotColumns, [&](const CombChoiceSlot& slot) { m_slots.push_back(slot); });
+  return true;
+}
+
+/// Puts each row into the first slot of its code; a row without a slot is dropped.
+bool ProCombChoice::LoadRows(QString& message) {
+  QSqlQuery query;
+  const QString sql =
+      Statement("select ProActCode,PluCode,SaleCount,DscPrice from tProPrjCombPluSet where BillNo='", Info.BillNo, "'");
+  if (!OpenDetail(m_db, sql, query, message)) return false;
+  ReadRows(query, kRowColumns, [&](CombChoiceRow& row) {
+    const auto slot = std::find_if(m_slots.begin(), m_slots.end(),
+                                   [&](const CombChoiceSlot& held) { return Same(held.ProActCode, row.ProActCode); });
+    if (slot == m_slots.end()) return;
+    row.BillNo = Info.BillNo;
+    slot->Rows.push_back(row);
+  });
+  return true;
+}
+
+// --- Number of menus ------------------------------------------------------------------------------------------------
+
+/// The number of menus that the mandatory slots allow; without any, the pieces of the sale do. Nothing changes the
+/// lines in here, so that the live ones serve.
+///
+/// @param matched out: the lines that offers may take, article by article.
+std::int32_t ProCombChoice::GetChoiceSets(ProSale& sale, LinePtrs& matched) const {
+  const LinePtrs candidates = SelectSingleLines(sale.Plus);
+  if (candidates.empty()) return 0;
+  std::int32_t sets = 0;
+  // Fractions are dropped at each step: two lines of 0.5 make no menu.
+  for (const SalePlu* line : LastToFirst(candidates)) sets = TruncToInt32(sets + line->PluCount);
+  for (const CombChoiceSlot& slot : LastToFirst(m_slots)) {
+    // An optional slot is asked too, for the lines that it adds; its answer doesn't count.
+    const std::int32_t slotSets = GetSlotSets(slot, candidates, matched, sale.Plus);
+    if (!slot.IsRequired) continue;
+    if (slotSets == 0) return 0;
+    sets = std::min(sets, slotSets);
+  }
+  return sets;
+}
+
+/// The menus that a slot can serve; what its rows can serve in fractions adds up.
+///
+/// @param matched in and out: receives the lines of each row that serves a whole menu by itself, once per article.
+std::int32_t ProCombChoice::GetSlotSets(const CombChoiceSlot& slot, const LinePtrs& candidates, LinePtrs& matched,
+                                        const std::vector<SalePlu>& lines) const {
+  double sum = 0;
+  for (const CombChoiceRow& row : LastToFirst(slot.Rows)) {
+    if (!IsSetSize(row.SaleCount)) {
+      // The rows have no number of their own: slot and article tell which one it is.
+      LogUnusableSaleCount(Info.BillNo, Join(slot.ProActCode, "/", row.PluCode));
+      continue;
+    }
+    const LinePtrs holding = LinesOf(row.PluCode, candidates);
+    double open = 0;
+    for (const SalePlu* line : holding) open += GetCalcCount(*line, Info, lines);
+    const double menus = open / row.SaleCount;
+    sum += menus;
+    if (menus >= 1 && LinesOf(row.PluCode, matched).empty()) {
+      matched.insert(matched.end(), holding.begin(), holding.end());
+    }
+  }
+  return TruncToInt32(sum);
+}
+
+// --- Discount -------------------------------------------------------------------------------------------------------
+
+void ProCombChoice::ServeSlots(bool required, std::int32_t sets, const LinePtrs& matched, const CombWork& work) {
+  for (CombChoiceSlot& slot : LastToFirst(m_slots)) {
+    if (slot.IsRequired != required) continue;
+    Log(required ? "计算必选坑" : "计算可选坑");
+    SortSlotRows(slot);
+    std::int64_t remaining = sets;
+    for (CombChoiceRow& row : LastToFirst(slot.Rows)) {
+      if (remaining <= 0) break;
+      if (IsSetSize(row.SaleCount)) DiscountChoiceRow(row, matched, remaining, work);
+    }
+  }
+}
+
+void SortSlotRows(CombChoiceSlot& slot) {
+  SortAscending(slot.Rows, [](const CombChoiceRow& row) { return row.SaleCount * row.DscPrice; });
+}
+
+/// @param remaining in and out: menus still to be served in this slot.
+void ProCombChoice::DiscountChoiceRow(CombChoiceRow& row, const LinePtrs& matched, std::int64_t& remaining,
+                                      const CombWork& work) const {
+  const std::int32_t menus = MenusOfRow(row, matched, remaining, work.Sale.Plus);
+  double need = row.SaleCount * menus;
+  remaining = std::max<std::int64_t>(0, remaining - menus);
+  if (need < 1) return;
+  for (SalePlu* line : LinesOf(row.PluCode, matched)) {
+    double quantity = GetCalcCount(*line, Info, work.Sale.Plus);
+    need -= quantity;
+    if (need < 0) quantity += need;
+    line->DisNum = quantity;
+    DiscountLine(row, *line, work);
+    if (need < 1) return;
+  }
+}
+
+/// The menus for which a row fills the slot.
+std::int32_t ProCombChoice::MenusOfRow(const CombChoiceRow& row, const LinePtrs& matched, std::int64_t remaining,
+                                       const std::vector<SalePlu>& lines) const {
+  double open = 0;
+  // Asked under the family word here and under the type where the line is discounted.
+  for (const SalePlu* line : LinesOf(row.PluCode, matched)) open += GetCalcCount(*line, Info, Info.ProMode, lines);
+  const std::int64_t served = std::min<std::int64_t>(remaining, WholeSets(open, row.SaleCount));
+  const auto menus = static_cast<std::int32_t>(served);
+  // The limit by quantity counts the menus of one row.
+  const bool overLimit = Same(Info.MaxYhType, LimitKind::kQuantity) && menus > Info.MaxYhValue;
+  return overLimit ? TruncToInt32(Info.MaxYhValue) : menus;
+}
+
+/// Sells the line's `DisNum` at the row's price. An offer never raises a price: a row that is dearer than the line
+/// comes down to the line's price and stays there for the rest of the calculation.
+void ProCombChoice::DiscountLine(CombChoiceRow& row, SalePlu& line, const CombWork& work) const {
+  const double unit = UnitBeforeCombinations(line);
+  if (row.DscPrice > unit) row.DscPrice = unit;
+  if (!(line.DisNum > 0)) return;
+  const double money = RoundMoney((unit - row.DscPrice) * line.DisNum);
+  line.Total -= money;
+  work.Changed.push_back(line);
+  // Always a row of its own, also where the rule has one on the line.
+  WriteResultRow(line, CombResult(Info, line.DisNum, money, row.DscPrice, work.VipType));
+}
+
+}  // namespace Corvane

@@ -1,0 +1,70 @@
+#ifndef QNCORVANE_PROMO_COMB_PROCOMBCHOICE_H
+#define QNCORVANE_PROMO_COMB_PROCOMBCHOICE_H
+
+#include <QString>
+#include <cstdint>
+#include <vector>
+
+#include "db/QnPosDBPro.h"
+#include "promo/comb/CombDetail.h"
+#include "rule/LineSelection.h"
+#include "rule/ProBase.h"
+#include "sale/ProSale.h"
+
+namespace Corvane {
+
+/// An offer of a slot, from `tProPrjCombPluSet`. Only goods codes take part.
+struct CombChoiceRow : ProDetailKey {
+  Text ProActCode = nullptr;  ///< the slot it belongs to
+  double SaleCount = 0;       ///< pieces of this article that fill one menu's slot
+  double DscPrice = 0;        ///< unit price within the menu; may be lowered for the rest of a calculation
+};
+
+/// A slot of the menu, from `tProPrjCombProAct`.
+struct CombChoiceSlot {
+  std::vector<CombChoiceRow> Rows;
+  Text ProActCode = nullptr;  ///< the slot's key
+  Text ProActname = nullptr;  ///< spelled so in the table
+  bool IsRequired = false;    ///< a menu needs this slot
+};
+
+/// "ZHZX", the set menu with a choice: slots, mandatory or optional, each offering several articles at a set price. The
+/// mandatory slots settle the number of menus; then every slot is served up to that number, mandatory slots first, the
+/// dearest offer of a slot first. The menu's price is not reconciled: each line's discount is rounded on its own.
+/// Packages take no part.
+class ProCombChoice : public ProBase {
+ public:
+  /// @param db copied; all copies share one connection.
+  explicit ProCombChoice(const QnPosDBPro& db) : m_db(db) {}
+
+  void InitRule(Text xml);
+
+  /// @param changed receives copies of the lines as they are discounted.
+  void CalcRule(ProSale& sale, std::vector<SalePlu>& changed);
+
+ private:
+  bool LoadRuleDetail(QString& message);
+  bool LoadSlots(QString& message);
+  bool LoadRows(QString& message);
+
+  std::int32_t GetChoiceSets(ProSale& sale, LinePtrs& matched) const;
+  std::int32_t GetSlotSets(const CombChoiceSlot& slot, const LinePtrs& candidates, LinePtrs& matched,
+                           const std::vector<SalePlu>& lines) const;
+
+  void ServeSlots(bool required, std::int32_t sets, const LinePtrs& matched, const CombWork& work);
+  void DiscountChoiceRow(CombChoiceRow& row, const LinePtrs& matched, std::int64_t& remaining,
+                         const CombWork& work) const;
+  std::int32_t MenusOfRow(const CombChoiceRow& row, const LinePtrs& matched, std::int64_t remaining,
+                          const std::vector<SalePlu>& lines) const;
+  void DiscountLine(CombChoiceRow& row, SalePlu& line, const CombWork& work) const;
+
+  std::vector<CombChoiceSlot> m_slots;
+  QnPosDBPro m_db;
+};
+
+/// Orders a slot's rows ascending by the price of one menu's share; a walk from the last row serves the dearest first.
+void SortSlotRows(CombChoiceSlot& slot);
+
+}  // namespace Corvane
+
+#endif

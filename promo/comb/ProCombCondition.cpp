@@ -1,0 +1,213 @@
+#include "promo/comb/ProCombCondition.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "base/Walk.h"
+#include "db/RowFields.h"
+#include "engine/Log.h"
+#include "promo/DetailQuery.h"
+#include "promo/PercentKept.h"
+#include "promo/Statement.h"
+#include "rule/EligibleQuantity.h"
+#include "rule/LineDiscount.h"
+#include "rule/MaxDiscount.h"
+#include "rule/RuleReader.h"
+#include "rule/Spreading.h"
+
+namespace Corvane {
+
+namespace {
+
+using ConditionColumn = FromColumn<PluCondition>;
+constexpr RowField<PluCondition> kConditionColumns[] = {
+    {"SerialNo", ConditionColumn::Integer<&PluCondition::SerialNo>},
+    {"PluCode", ConditionColumn::KeptText<&PluCondition::PluCode>},
+    {"PluType", ConditionColumn::KeptText<&PluCondition::PluType>},
+    {"SaleCount", ConditionColumn::Double<&PluCondition::MinNum>},
+    {"PriceTotal", ConditionColumn::Double<&PluCondition::MinMoney>},
+};
+
+using ControlColumn = FromColumn<CombCondCtrl>;
+constexpr RowField<CombCondCtrl> kControlColumns[] = {
+    {"SerialNo", ControlColumn::Integer<&CombCondCtrl::SerialNo>},
+    {"PriceTotal", ControlColumn::Double<&CombCondCtrl::PriceTotal>},
+    {"CountTotal", ControlColumn::Double<&CombCondCtrl::CountTotal>},
+};
+
+/// The column `SaleCount` is asked for but not read: no action row has a limit. `DscRate` is the percent taken off.
+using ActionColumn = FromColumn<PluAction>;
+constexpr RowField<PluAction> kActionColumns[] = {
+    {"SerialNo", ActionColumn::Integer<&PluAction::SerialNo>}, {"PluCode", ActionColumn::KeptText<&PluAction::PluCode>},
+    {"PluType", ActionColumn::KeptText<&PluAction::PluType>},  {"DscType", ActionColumn::KeptText<&PluAction::DisType>},
+    {"DscPrice", ActionColumn::Double<&PluAction::DisPrice>},  {"DscRate", ActionColumn::Double<&PluAction::DisRate>},
+};
+
+/// Whether a demand is made at all and not met.
+bool IsShort(double demand, double held) { return demand > 0 && demand > held; }
+
+}  // namespace
+
+void ProCombCondition::InitRule(Text xml) { ReadRule(xml, *this); }
+
+void ProCombCondition::CalcRule(ProSale& sale, std::vector<SalePlu>& changed) {
+  if (!CheckBaseCondition(sale)) return;
+  QString message;
+  if (!LoadRuleDetail(message)) {
+    Log(QStringLiteral("计算条件组合促销失败") + message);
+    return;
+  }
+  const LinePtrs single = SelectSingleLines(sale.Plus);
+  if (single.empty()) return;
+  // Nothing changes the lines before the first discount, and each discount asks for the lines as they are: the live
+  // ones serve throughout.
+  CombPool pool = GetCondLines(single, sale.Plus);
+  if (!CheckCondRows(sale.Plus, pool) || !MeetsControl(pool)) return;
+  const CombWork work{sale, changed, MemberText(sale)};
+  DiscountByGoods(pool.Lines, work);
+  DiscountByClass(pool.Lines, work);
+  ApportionChanged(changed);
+  LimitByMaxDiscount(Info, sale);
+}
+
+// --- Rows -----------------------------------------------------------------------------------------------------------
+
+bool ProCombCondition::LoadRuleDetail(QString& message) {
+  m_conditions.clear();
+  m_controls.clear();
+  m_actions.clear();
+  if (!m_db.EnsureOpen(message)) return false;
+  if (LoadConditions(message) && LoadControls(message) && LoadActions(message)) return true;
+  Log(message);
+  return false;
+}
+
+bool ProCombCondition::LoadConditions(QString& message) {
+  QSqlQuery query;
+  const QString sql =
+      Statement("select SerialNo,PluCode,PluType,SaleCount,PriceTotal  from tProCombConditionAct where BillNo='",
+                Info.BillNo, "'");
+  if (!OpenDetail(m_db, sql, query, message)) return false;
+  ReadRows(query, kConditionColumns, [&](PluCondition& row) {
+    row.BillNo = Info.BillNo;
+    row.Index = static_cast<std::int32_t>(m_conditions.size());
+    m_conditions.push_back(row);
+  });
+  return true;
+}
+
+bool ProCombCondition::LoadControls(QString& message) {
+  QSqlQuery query;
+  const QString sql =
+      Statement("select SerialNo,PriceTotal,CountTotal from tProPrjCombCtrl where BillNo='", Info.BillNo, "'");
+  if (!OpenDetail(m_db, sql, query, message)) return false;
+  ReadRows(query, kControlColumns, [&](const CombCondCtrl& row) { m_controls.push_back(row); });
+  return true;
+}
+
+bool ProCombCondition::LoadActions(QString& message) {
+  QSqlQuery query;
+  const QString sql = Statement(
+      "select SerialNo,PluCode,PluType,SaleCount,DscType,DscPrice,DscRate  from tProPrjCombPluSet where BillNo='",
+      Info.BillNo, "'");
+  if (!OpenDetail(m_db, sql, query, message)) return false;
+  ReadRows(query, kActionColumns, [&](PluAction& row) {
+    row.BillNo = Info.BillNo;
+    row.Index = static_cast<std::int32_t>(m_actions.size());
+    row.DisRate = PercentKept(row.DisRate);
+    m_actions.push_back(row);
+  });
+  return true;
+}
+
+// --- Conditions -----------------------------------------------------------------------------------------------------
+
+/// The lines that action rows name, once for each row that does, from the last line to the first; and what is open on
+/// all candidates.
+CombPool ProCombCondition::GetCondLines(const LinePtrs& candidates, const std::vector<SalePlu>& lines) const {
+  CombPool pool;
+  for (SalePlu* line : LastToFirst(candidates)) {
+    const double open = GetCalcCount(*line, Info, lines);
+    pool.Money += GetLineLeftTotal(*line, Info.Primary, Info.ProMode);  // under the family word, not the type
+    pool.Quantity += open;
+    if (open == 0) continue;
+    const auto naming = std::count_if(m_actions.begin(), m_actions.end(),
+                                      [&](const PluAction& action) { return RowNamesLine(action, *line); });
+    pool.Lines.insert(pool.Lines.end(), static_cast<std::size_t>(naming), line);
+  }
+  return pool;
+}
+
+/// Whether every condition row holds. The conditions look at whole lines, packages and lines that earlier rules have
+/// taken included.
+///
+/// @param sums in and out: with condition rows, what they cover in place of what is open. A line that two rows cover
+///             counts twice.
+bool ProCombCondition::CheckCondRows(const std::vector<SalePlu>& lines, CombPool& sums) const {
+  if (m_conditions.empty()) return true;
+  sums.Quantity = 0;
+  sums.Money = 0;
+  for (const PluCondition& condition : LastToFirst(m_conditions)) {
+    double count = 0;
+    double money = 0;
+    for (const SalePlu& line : LastToFirst(lines)) {
+      if (!RowNamesLine(condition, line)) continue;
+      count += line.PluCount;
+      money += line.PluCount * line.FinalPrice;
+    }
+    if (IsShort(condition.MinNum, count) || IsShort(condition.MinMoney, money)) return false;
+    sums.Quantity += count;
+    sums.Money += money;
+  }
+  return true;
+}
+
+/// Only the first control row counts.
+bool ProCombCondition::MeetsControl(const CombPool& sums) const {
+  if (m_controls.empty()) return true;
+  const CombCondCtrl& control = m_controls.front();
+  return !IsShort(control.CountTotal, sums.Quantity) && !IsShort(control.PriceTotal, sums.Money);
+}
+
+// --- Discount -------------------------------------------------------------------------------------------------------
+
+void ProCombCondition::DiscountByGoods(const LinePtrs& matched, const CombWork& work) const {
+  for (const PluAction& action : LastToFirst(m_actions)) {
+    if (!NamesGoods(action)) continue;
+    LinePtrs lines;
+    std::copy_if(matched.begin(), matched.end(), std::back_inserter(lines),
+                 [&](const SalePlu* line) { return Same(line->PluCode, action.PluCode); });
+    DiscountByRow(action, lines, work);
+  }
+}
+
+/// Every class row is offered to every line that no goods row names, whichever class row matched that line.
+void ProCombCondition::DiscountByClass(const LinePtrs& matched, const CombWork& work) const {
+  const LinePtrs outside = SelectOutsideLines(SplitRows(m_actions).PluIn, matched, "PLU");
+  for (const PluAction& action : LastToFirst(m_actions)) {
+    if (!NamesGoods(action)) DiscountByRow(action, outside, work);
+  }
+}
+
+void ProCombCondition::DiscountByRow(const PluAction& action, const LinePtrs& lines, const CombWork& work) const {
+  constexpr double kNoLimit = 0;
+  double applied = 0;  // without a limit it decides nothing, whatever it starts from
+  for (SalePlu* line : lines) {
+    if (!(GetCalcCount(*line, Info, work.Sale.Plus) > 0)) continue;
+    ApplyLineDiscount(action, kNoLimit, *line, applied, Info, work.Changed, work.VipType, work.Sale.Plus);
+  }
+}
+
+/// Writes apportion rows onto the copies of the discounted lines. A copy was taken before the row of its own discount
+/// was written, so that the money is what a line's earlier discount left on it; it is spread even when it is 0.
+void ProCombCondition::ApportionChanged(std::vector<SalePlu>& changed) const {
+  double money = 0;
+  for (const SalePlu& line : changed) {
+    for (const ProResult& row : line.ProResults) {
+      if (Same(row.ProBillNo, Info.BillNo)) money += row.DisMoney;
+    }
+  }
+  ApportionRecords(Info, PointersTo(changed), money, Info.BillNo);
+}
+
+}  // namespace Corvane

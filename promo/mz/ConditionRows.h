@@ -1,0 +1,35 @@
+#ifndef QNCORVANE_PROMO_MZ_CONDITIONROWS_H
+#define QNCORVANE_PROMO_MZ_CONDITIONROWS_H
+
+#include <QString>
+#include <vector>
+
+#include "db/QnPosDBPro.h"
+#include "rule/LineSelection.h"
+#include "rule/ProInfo.h"
+#include "rule/RuleRows.h"
+#include "sale/SaleRecords.h"
+
+namespace Corvane {
+
+// The condition rows of full-amount rules, from the table `tProMzConPluSet`: which lines of a sale count toward the
+// thresholds. Only rows that name a line of the sale are read. A row that several lines hit is held once, by its
+// `SerialNo`, `ListCode` and `DataId`.
+
+/// Reads the rows of one offer of a rule.
+/// @param error out: on failure, the text of OpenDetail.
+bool LoadListConditions(QnPosDBPro& db, Text billNo, Text listCode, const std::vector<SalePlu>& lines,
+                        std::vector<PluCondition>& rows, QString& error);
+
+/// Reads the rows of a rule without offers of its own. When none of the rule's rows names a line of the sale, one of
+/// them is held all the same: no rows at all mean the whole sale, and this is not that case.
+/// @param error out: on failure, the text of OpenDetail.
+bool LoadRuleConditions(QnPosDBPro& db, Text billNo, const std::vector<SalePlu>& lines, std::vector<PluCondition>& rows,
+                        QString& error);
+
+/// The lines that count, and what they bring: with rows those that the rows take, without rows all.
+RuleLines SelectConditionLines(const ProInfo& rule, const std::vector<PluCondition>& rows, std::vector<SalePlu>& lines);
+
+}  // namespace Corvane
+
+#endif

@@ -1,0 +1,149 @@
+#include "promo/mz/ProMzCoupon.h"
+
+#include <cstdint>
+#include <utility>
+
+#include "base/XmlFields.h"
+#include "engine/Log.h"
+#include "promo/mz/CouponDays.h"
+#include "promo/mz/ProportionalLimit.h"
+#include "promo/mz/Tiers.h"
+#include "rule/LineSelection.h"
+#include "rule/RuleReader.h"
+
+namespace Corvane {
+
+namespace {
+
+using ListField = Into<ProMzList>;
+constexpr XmlField<ProMzList> kListFields[] = {
+    {"ConAreaType", ListField::KeptText<&ProMzList::ConAreaType>},
+    {"RstAreaType", ListField::KeptText<&ProMzList::RstAreaType>},
+    {"MaxDiscount", ListField::Double<&ProMzList::MaxDiscount>},
+    {"CouponTypeCode", ListField::KeptText<&ProMzList::CouponTypeCode>},
+    {"DscIntoPlu", ListField::KeptText<&ProMzList::DscIntoPlu>},
+};
+
+template <class Row>
+std::string NumberOf(const std::vector<Row>& rows) {
+  return FormatI(static_cast<std::int32_t>(rows.size()));
+}
+
+std::optional<double> LargestFitting(const std::vector<CouponDenomination>& rows, double rest) {
+  std::optional<double> largest;
+  for (const CouponDenomination& row : rows) {
+    if (row.Denomination <= rest && (!largest || row.Denomination > *largest)) largest = row.Denomination;
+  }
+  return largest;
+}
+
+}  // namespace
+
+void ProMzCoupon::InitRule(Text xml) {
+  ReadRule(xml, *this, [this](const TiXmlElement& group) {
+    if (Same(group.Value(), "ProList")) ReadList(group);
+  });
+}
+
+void ProMzCoupon::ReadList(const TiXmlElement& group) {
+  ProMzList list;
+  ReadAttributes(kListFields, group, list);
+  for (const TiXmlElement& rows : ChildElements(group)) {
+    if (Same(rows.Value(), "PluCondition")) ReadPluCondition(rows, Info.BillNo, list.Conditions);
+    if (Same(rows.Value(), "PluAddAction")) ReadPluAddAction(rows, Info.BillNo, list.Tiers);
+    if (Same(rows.Value(), "CouponType")) ReadCouponType(rows, list.Coupon);
+    if (Same(rows.Value(), "CouponDenomination")) ReadCouponDenomination(rows, list.Denominations);
+  }
+  m_lists.push_back(std::move(list));
+}
+
+void ProMzCoupon::CalcRule(ProSale& sale) {
+  if (!sale.CanApplyToSale(Info.Primary, Info.BillNo) || !CheckBaseCondition(sale)) return;
+  Log(Join("赠券方案个数", NumberOf(m_lists)));
+  if (m_lists.empty()) return;
+  for (ProMzList& list : m_lists) CalcList(list, sale);
+  LimitInProportion(Info, sale);
+}
+
+void ProMzCoupon::CalcList(ProMzList& list, ProSale& sale) const {
+  Log(Join("赠券方案内的行为个数", NumberOf(list.Tiers)));
+  if (list.Tiers.empty()) return;
+  SortTiersDown(list.Tiers);
+  double amount = 0;
+  // The lines' money as it stands, not what is open of it.
+  if (Same(list.ConAreaType, ConditionArea::kWholeSale)) amount = sale.SaleTotal();
+  if (Same(list.ConAreaType, ConditionArea::kChosenLines)) {
+    amount = SelectRuleLines(Info, SplitRows(list.Conditions), sale.Plus).Money;
+    if (amount == 0) return;
+  }
+  Log(Join("赠券方案内满足的金额", FormatF6(amount)));
+  const double sum = SumOfTiers(list, amount);
+  if (sum <= 0) return;
+  const std::optional<double> value = GiveCoupons(sale, list, sum);
+  if (value) sale.SaleResults.emplace_back(Info.BillNo, Info.Primary, Info.ProType, 0, *value, 0, *value);
+}
+
+/// The coupon value that an amount earns over the tiers of an offer.
+double ProMzCoupon::SumOfTiers(const ProMzList& list, double amount) const {
+  double remainder = amount;
+  double sum = 0;
+  for (const PluAddAction& tier : list.Tiers) {
+    if (remainder < tier.BaseConNum) continue;
+    sum += tier.BaseDscNum;
+    Log(Join("真实赠券额", FormatF6(sum)));
+    const std::optional<double> left = GiveFurtherSteps(tier, remainder, list.MaxDiscount, sum);
+    if (!left) {
+      LogTooManyRepeats(Info.BillNo);
+      return 0;
+    }
+    // Unlike in the reduction, a tier may always leave less than nothing.
+    remainder = *left;
+  }
+  return sum;
+}
+
+/// Makes coupons of a value: of its denominations, the largest that fits each time, when the offer cuts; one coupon
+/// otherwise. What can't be cut is not given.
+///
+/// @return the value given; nothing when it would take too many coupons.
+std::optional<double> ProMzCoupon::GiveCoupons(const ProSale& sale, ProMzList& list, double amount) const {
+  constexpr Text kNeverGives = "*";
+  if (Same(Info.BillNo, kNeverGives)) return 0;
+  const bool isCut = list.Coupon.IsDenom && !list.Denominations.empty();
+  if (!isCut) {
+    list.Given.push_back(MakeCoupon(sale, list.Coupon, amount));
+    return amount;
+  }
+  double rest = amount;
+  std::vector<SaleCoupon> made;
+  while (rest > 0) {
+    const std::optional<double> value = LargestFitting(list.Denominations, rest);
+    if (!value) break;
+    if (*value <= 0) {
+      Log(Join("券面额不大于0，不赠券，促销单号：", Info.BillNo));
+      break;
+    }
+    if (made.size() == kMaxCoupons) {
+      LogTooManyRepeats(Info.BillNo);
+      return std::nullopt;
+    }
+    made.push_back(MakeCoupon(sale, list.Coupon, *value));
+    rest -= *value;
+  }
+  list.Given.insert(list.Given.end(), made.begin(), made.end());
+  return amount - rest;
+}
+
+SaleCoupon ProMzCoupon::MakeCoupon(const ProSale& sale, const CouponType& header, double value) const {
+  std::string dateTime = " ";
+  if (!sale.Plus.empty()) dateTime = Join(sale.Plus.front().SaleDate, " ", sale.Plus.front().SaleTime);
+  SaleCoupon coupon;
+  coupon.BillNo = Info.BillNo;
+  coupon.BgnDate = header.BgnDate;
+  coupon.CouponTypeCode = header.CouponTypeCode;
+  coupon.Value = KeepText(FormatF6(value));
+  coupon.EndDate = AddCouponDays(header, dateTime, header.LimitDay);
+  return coupon;
+}
+
+}  // namespace Corvane

@@ -1,0 +1,43 @@
+#ifndef QNCORVANE_PROMO_MZ_PROMZCOUPON_H
+#define QNCORVANE_PROMO_MZ_PROMZCOUPON_H
+
+#include <tinyxml.h>
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include "promo/mz/ProMzList.h"
+#include "rule/ProBase.h"
+#include "sale/ProSale.h"
+
+namespace Corvane {
+
+/// "MZZQ", the giving of coupons: a sale, or a chosen part of it, that brings enough money earns a coupon value, which
+/// is cut into coupons. The lines stay as they are: a sale-level result tells the value, and the coupons are kept in
+/// the rule's own offers. All data comes from the rule's XML; no table is read.
+class ProMzCoupon : public ProBase {
+ public:
+  /// The most coupons made at one giving, far above any denomination in use. A value that would need more is not given,
+  /// and the log says so.
+  static constexpr std::size_t kMaxCoupons = 100'000;
+
+  /// Reads the groups "ProList", each of which is one offer, besides header and filters.
+  void InitRule(Text xml);
+
+  void CalcRule(ProSale& sale);
+
+ protected:
+  std::vector<ProMzList> m_lists;  ///< offers, for the life of the rule
+
+ private:
+  void ReadList(const TiXmlElement& group);
+  void CalcList(ProMzList& list, ProSale& sale) const;
+  double SumOfTiers(const ProMzList& list, double amount) const;
+  std::optional<double> GiveCoupons(const ProSale& sale, ProMzList& list, double amount) const;
+  SaleCoupon MakeCoupon(const ProSale& sale, const CouponType& header, double value) const;
+};
+
+}  // namespace Corvane
+
+#endif

@@ -1,0 +1,72 @@
+#include "promo/mz/ProMzGift.h"
+
+#include <algorithm>
+
+#include "engine/Log.h"
+#include "promo/Statement.h"
+#include "promo/mz/ConditionRows.h"
+#include "promo/mz/ProportionalLimit.h"
+#include "promo/mz/Scheme.h"
+#include "promo/mz/Tiers.h"
+#include "rule/RuleReader.h"
+
+namespace Corvane {
+
+void ProMzGift::InitRule(Text xml) { ReadRule(xml, *this); }
+
+bool ProMzGift::LoadRuleDetail(Text billNo, const std::vector<SalePlu>& lines, QString& error) {
+  const QString scheme = Statement(
+      "select SerialNo,PluCode,BaseConType,BaseConNum,BaseDscType,BaseDscNum,AddConNum,AddDscNum,SaleMaxIn,DscPrice "
+      "from tProMzScheme where BillNo='",
+      billNo, "'");
+  return m_db.EnsureOpen(error) && LoadRuleConditions(m_db, billNo, lines, m_conditions, error) &&
+         LoadScheme(m_db, billNo, scheme, m_tiers, error);
+}
+
+void ProMzGift::CalcRule(ProSale& sale) {
+  Log("开始满减赠品计算");
+  if (!sale.CanApplyToSale(Info.Primary, Info.BillNo) || !CheckBaseCondition(sale)) return;
+  m_conditions.clear();
+  m_tiers.clear();
+  QString error;
+  // Nothing changes the lines while rows are read, so the loader takes no copy of them.
+  if (!LoadRuleDetail(Info.BillNo, sale.Plus, error)) {
+    Log(QStringLiteral("计算满赠赠品促销失败") + error);
+    return;
+  }
+  Log("满减赠品基本促销条件满足！");
+  SortTiersDown(m_tiers);
+  OfferTiers(SelectConditionLines(Info, m_conditions, sale.Plus), sale);
+  LimitInProportion(Info, sale);
+}
+
+void ProMzGift::OfferTiers(const RuleLines& area, ProSale& sale) const {
+  // The value lives across the walk: a tier that counts in an unknown unit goes by the value of the tier before it.
+  double value = 0;
+  std::vector<Text> offeredUnits;
+  for (const PluAddAction& tier : m_tiers) {
+    const bool isOffered =
+        std::any_of(offeredUnits.begin(), offeredUnits.end(), [&](Text unit) { return Same(unit, tier.BaseConTp); });
+    if (isOffered) continue;
+    if (Same(tier.BaseConTp, TierUnit::kMoney)) value = area.Money;
+    if (Same(tier.BaseConTp, TierUnit::kQuantity)) value = area.Quantity;
+    if (value < tier.BaseConNum) continue;
+    sale.ProGifts.push_back(OffersFrom(tier, value));
+    offeredUnits.push_back(tier.BaseConTp);
+  }
+}
+
+/// The offers that a reached tier opens: its own and those of all lower tiers of its unit, which are reached with it.
+SaleProGift ProMzGift::OffersFrom(const PluAddAction& tier, double value) const {
+  SaleProGift offers;
+  offers.Total = value;
+  offers.LeftTotal = value;
+  offers.ProBillNo = Info.BillNo;
+  offers.Rows.push_back(tier);
+  for (const PluAddAction& lower : TiersBehind(m_tiers, tier)) {
+    if (Same(lower.BaseConTp, tier.BaseConTp)) offers.Rows.push_back(lower);
+  }
+  return offers;
+}
+
+}  // namespace Corvane

@@ -1,0 +1,38 @@
+#ifndef QNCORVANE_PROMO_MZ_PROMZLIST_H
+#define QNCORVANE_PROMO_MZ_PROMZLIST_H
+
+#include <vector>
+
+#include "base/Text.h"
+#include "rule/RuleRows.h"
+#include "sale/SaleRecords.h"
+
+namespace Corvane {
+
+/// The areas of a sale that an offer counts. With any other text nothing counts.
+namespace ConditionArea {
+constexpr Text kWholeSale = "ALL";
+constexpr Text kChosenLines = "DES";
+}  // namespace ConditionArea
+
+/// One offer of a full-amount rule, independent of the rule's other offers: its area, its tiers and its own cap.
+struct ProMzList {
+  Text ConAreaType = nullptr;     ///< area that counts toward the thresholds, and that gets the result
+  Text RstAreaType = nullptr;     ///< carried
+  double MaxDiscount = 0;         ///< the most that this offer gives on one sale; 0 means no cap
+  Text DscIntoPlu = nullptr;      ///< "1": the lines' `FinalPrice` becomes the price that the discount leaves
+  Text CouponTypeCode = nullptr;  ///< carried
+  std::vector<PluCondition> Conditions;
+  std::vector<PluAddAction> Tiers;
+  CouponType Coupon;                              ///< the kind of coupon given
+  std::vector<CouponDenomination> Denominations;  ///< face values into which a coupon sum is cut
+  /// Coupons made for this offer, over all sales. Nothing takes them out again: the list grows for as long as the rule
+  /// stands.
+  std::vector<SaleCoupon> Given;
+
+  bool SetsFinalPrice() const { return Same(DscIntoPlu, "1"); }
+};
+
+}  // namespace Corvane
+
+#endif

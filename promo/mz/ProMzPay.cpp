@@ -1,0 +1,191 @@
+#include "promo/mz/ProMzPay.h"
+
+#include <algorithm>
+
+#include "base/Numbers.h"
+#include "base/Walk.h"
+#include "base/XmlFields.h"
+#include "engine/Log.h"
+#include "promo/mz/Tiers.h"
+#include "rule/EligibleQuantity.h"
+#include "rule/RuleReader.h"
+#include "rule/Spreading.h"
+
+namespace Corvane {
+
+namespace {
+
+void ReadWholeBillPay(ProCtr& control, Text value) { control.WholeBillPay = Same(value, "1"); }
+
+constexpr XmlField<ProCtr> kControlFields[] = {
+    {"SerialNo", Into<ProCtr>::Integer<&ProCtr::SerialNo>},
+    {"PriceTotal", Into<ProCtr>::Double<&ProCtr::PriceTotal>},
+    {"PayType", Into<ProCtr>::KeptText<&ProCtr::PayType>},
+    {"WholeBillPay", ReadWholeBillPay},
+};
+
+constexpr XmlField<CardNoFilter> kCardFields[] = {
+    {"SerialNo", Into<CardNoFilter>::Integer<&CardNoFilter::SerialNo>},
+    {"BgnCardNo", Into<CardNoFilter>::KeptText<&CardNoFilter::BgnCardNo>},
+    {"EndCardNo", Into<CardNoFilter>::KeptText<&CardNoFilter::EndCardNo>},
+};
+
+void ReadControl(const TiXmlElement& group, Text billNo, ProCtr& control) {
+  control.BillNo = billNo;
+  // Several children fill the one record: what a later one doesn't name stays.
+  for (const TiXmlElement& element : ChildElements(group)) ReadAttributes(kControlFields, element, control);
+}
+
+void ReadCardRanges(const TiXmlElement& group, Text billNo, std::vector<CardNoFilter>& ranges) {
+  for (const TiXmlElement& element : ChildElements(group)) {
+    CardNoFilter range;
+    range.BillNo = billNo;
+    ReadAttributes(kCardFields, element, range);
+    ranges.push_back(range);
+  }
+}
+
+double OpenMoney(const ProInfo& rule, const ProSale& sale) {
+  double open = 0;
+  for (const SalePlu& line : sale.Plus) open += GetLineLeftTotal(line, rule.Primary, rule.ProType);
+  return open;
+}
+
+}  // namespace
+
+void ProMzPay::InitRule(Text xml) {
+  ReadRule(xml, *this, [this](const TiXmlElement& group) { ReadOwnGroup(group); });
+}
+
+void ProMzPay::ReadOwnGroup(const TiXmlElement& group) {
+  if (Same(group.Value(), "PluCondition")) ReadPluCondition(group, Info.BillNo, m_conditions);
+  if (Same(group.Value(), "ProCtr")) ReadControl(group, Info.BillNo, m_control);
+  if (Same(group.Value(), "CardNoFilter")) ReadCardRanges(group, Info.BillNo, m_cardRanges);
+  if (Same(group.Value(), "PluAction")) {
+    Log("判断节点是PluAction时");
+    ReadPluAction(group, Info.BillNo, m_steps);
+  }
+}
+
+/// Unlike the other full-amount types this one doesn't ask whether rules may still act on the sale.
+void ProMzPay::CalcRule(ProSale& sale) {
+  if (!CheckBaseCondition(sale)) {
+    Log("基本条件不满足，再检查！");
+    return;
+  }
+  const Text vipType = MemberText(sale);
+  const std::optional<PayLines> goods = SelectPayLines(m_conditions, sale.Plus);
+  if (!goods) return;
+  if (m_control.WholeBillPay && sale.Pays.size() > 1) return;
+
+  std::stable_sort(m_steps.begin(), m_steps.end(), [](const PluAction& left, const PluAction& right) {
+    return SortsBefore(left.DisPrice, right.DisPrice);
+  });
+  // A payment above what can still be discounted counts only as far as that.
+  const Reduction reduction = WalkSteps(std::min(PaySum(sale), OpenMoney(Info, sale)), goods->Money);
+  if (reduction.Given == 0) return;
+  WriteSaleResult(reduction, vipType, sale);
+  WriteLineResults(reduction, vipType, sale);
+  // The first sale-level row decides, whatever rule wrote it.
+  if (sale.SaleResults.front().YhMoney > 0) ApportionRecords(Info, goods->Lines, reduction.Given, Info.BillNo);
+}
+
+double ProMzPay::PaySum(const ProSale& sale) const {
+  double sum = 0;
+  for (const SalePay& pay : LastToFirst(sale.Pays)) {
+    if (Same(pay.PayMode, m_control.PayType) && InCardRange(m_cardRanges, pay.PayCardNo)) sum += pay.PayMoney;
+  }
+  return sum;
+}
+
+/// Walks from the highest step down; each is taken as often as the payment allows, up to the rule's cap or the money of
+/// the goods.
+ProMzPay::Reduction ProMzPay::WalkSteps(double paySum, double goodsMoney) const {
+  Reduction taken{0, 0, paySum};
+  std::int32_t rounds = 0;
+  for (const PluAction& step : LastToFirst(m_steps)) {
+    const double gain = step.DisPrice - step.DisRate;
+    while (!(step.DisPrice > taken.Left)) {
+      const Reduction next{taken.Given + gain, taken.Used + step.DisPrice, taken.Left - step.DisPrice};
+      if (next.Given >= m_control.PriceTotal || next.Given >= goodsMoney) {
+        return {std::min(m_control.PriceTotal, goodsMoney), next.Used, next.Left};
+      }
+      // A step that takes no payment and brings no gain would stand next for ever.
+      if (!(step.DisPrice > 0) && !(gain > 0)) {
+        Log(Join("支付阶梯的DisPrice不大于0且没有优惠，停止计算，促销单号：", Info.BillNo));
+        return taken;
+      }
+      if (rounds++ == kMaxRepeats) {
+        LogTooManyRepeats(Info.BillNo);
+        return {};
+      }
+      taken = next;
+    }
+  }
+  return taken;
+}
+
+ProResult ProMzPay::NewRow(Text vipType) const {
+  ProResult row;
+  row.ProBillNo = Info.BillNo;
+  row.Primary = Info.Primary;
+  row.ProType = Info.ProType;
+  row.SetMember(vipType);
+  return row;
+}
+
+void ProMzPay::WriteSaleResult(const Reduction& reduction, Text vipType, ProSale& sale) const {
+  const double wholePay = reduction.Left + reduction.Used;
+  ProResult row = NewRow(vipType);
+  row.DisNum = wholePay - reduction.Given;
+  row.DisMoney = reduction.Given;
+  row.NewPrice = wholePay;
+  row.YhMoney = reduction.Given;
+  row.BaseMoney = reduction.Used;
+  sale.SaleResults.push_back(row);
+}
+
+void ProMzPay::WriteLineResults(const Reduction& reduction, Text vipType, ProSale& sale) const {
+  const double whole = sale.SaleTotal();
+  double rest = reduction.Given;
+  for (SalePlu& line : LastToFirst(sale.Plus)) {
+    ProResult row = NewRow(vipType);
+    row.DisMoney = CeilToCents(reduction.Given * line.Total / whole);
+    row.BaseMoney = line.Total * reduction.Used / whole;
+    rest -= row.DisMoney;
+    // The sale's first line comes last and takes what the rounding left, so that the rows add up.
+    if (&line == &sale.Plus.front()) row.DisMoney += rest;
+    line.ProResults.push_back(row);
+  }
+}
+
+std::optional<PayLines> SelectPayLines(const std::vector<PluCondition>& conditions, std::vector<SalePlu>& lines) {
+  PayLines selected;
+  if (conditions.empty()) {
+    selected.Lines = PointersTo(lines);
+    for (const SalePlu& line : lines) selected.Money += line.Total;
+    return selected;
+  }
+  for (const PluCondition& condition : LastToFirst(conditions)) {
+    double quantity = 0;
+    double amount = 0;
+    for (SalePlu& line : LastToFirst(lines)) {
+      if (!RowNamesLine(condition, line)) continue;
+      quantity += line.PluCount;
+      amount += line.PluCount * line.FinalPrice;
+      selected.Money += line.Total;
+      selected.Lines.push_back(&line);
+    }
+    if (condition.MinNum > 0 && condition.MinNum > quantity) return std::nullopt;
+    if (condition.MinMoney > 0 && condition.MinMoney > amount) return std::nullopt;
+  }
+  return selected;
+}
+
+bool InCardRange(const std::vector<CardNoFilter>& ranges, Text cardNo) {
+  return ranges.empty() || std::any_of(ranges.rbegin(), ranges.rend(), [&](const CardNoFilter& range) {
+           return CompareBytes(range.BgnCardNo, cardNo) <= 0 && CompareBytes(range.EndCardNo, cardNo) >= 0;
+         });
+}
+
+}  // namespace Corvane

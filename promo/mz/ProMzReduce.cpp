@@ -1,0 +1,151 @@
+#include "promo/mz/ProMzReduce.h"
+
+#include <QSqlQuery>
+#include <algorithm>
+#include <cstdint>
+#include <optional>
+#include <utility>
+
+#include "base/Walk.h"
+#include "db/RowFields.h"
+#include "engine/Log.h"
+#include "promo/DetailQuery.h"
+#include "promo/Statement.h"
+#include "promo/mz/ConditionRows.h"
+#include "promo/mz/TierQuery.h"
+#include "promo/mz/Tiers.h"
+#include "rule/EligibleQuantity.h"
+#include "rule/LineSelection.h"
+#include "rule/MaxDiscount.h"
+#include "rule/RuleReader.h"
+
+namespace Corvane {
+
+namespace {
+
+/// An offer with the key under which its rows stand.
+struct ListRow : ProMzList {
+  Text ListCode = nullptr;
+};
+
+using ListColumn = FromColumn<ListRow>;
+constexpr RowField<ListRow> kListColumns[] = {
+    {"ConAreaType", ListColumn::KeptText<&ListRow::ConAreaType>},
+    {"RstAreaType", ListColumn::KeptText<&ListRow::RstAreaType>},
+    {"MaxDiscount", ListColumn::Double<&ListRow::MaxDiscount>},
+    {"DscIntoPlu", ListColumn::KeptText<&ListRow::DscIntoPlu>},
+    {"ListCode", ListColumn::KeptText<&ListRow::ListCode>},
+};
+
+using TierColumn = FromColumn<PluAddAction>;
+constexpr RowField<PluAddAction> kTierColumns[] = {
+    {"DscType", TierColumn::KeptText<&PluAddAction::DisType>},
+    {"BaseMoney", TierColumn::Double<&PluAddAction::BaseConNum>},
+    {"BaseDscMoney", TierColumn::Double<&PluAddAction::BaseDscNum>},
+    {"AddMoney", TierColumn::Double<&PluAddAction::AddConNum>},
+    {"AddDscMoney", TierColumn::Double<&PluAddAction::AddDscNum>},
+    {"SaleMaxIn", TierColumn::Double<&PluAddAction::SaleMaxIn>},
+};
+
+}  // namespace
+
+void ProMzReduce::InitRule(Text xml) { ReadRule(xml, *this); }
+
+bool ProMzReduce::LoadRuleDetail(Text billNo, const std::vector<SalePlu>& lines, QString& error) {
+  const QString sql = Statement(
+      "SELECT ConAreaType,RstAreaType,MaxDiscount,DscIntoPlu,ListCode FROM tpromzlist where BillNo='", billNo, "'");
+  QSqlQuery query;
+  if (!m_db.EnsureOpen(error) || !OpenDetail(m_db, sql, query, error)) return false;
+  std::vector<ListRow> offers;
+  ReadRows(query, kListColumns, [&](const ListRow& offer) { offers.push_back(offer); });
+  return std::all_of(offers.begin(), offers.end(), [&](ListRow& offer) {
+    const bool read = LoadListConditions(m_db, billNo, offer.ListCode, lines, offer.Conditions, error) &&
+                      LoadTiers(billNo, offer.ListCode, offer.Tiers, error);
+    if (read) m_lists.push_back(std::move(offer));
+    return read;
+  });
+}
+
+bool ProMzReduce::LoadTiers(Text billNo, Text listCode, std::vector<PluAddAction>& tiers, QString& error) {
+  const QString sql = Statement(
+      "SELECT DscType,BaseMoney,BaseDscMoney,AddMoney,AddDscMoney,SaleMaxIn FROM tProMzDiscountAct where BillNo='",
+      billNo, "' and ListCode='", listCode, "'");
+  QSqlQuery query;
+  if (!OpenTiers(m_db, sql, query, error)) return false;
+  ReadRows(query, kTierColumns, [&](PluAddAction& tier) {
+    tier.BillNo = billNo;
+    tier.Index = static_cast<std::int32_t>(tiers.size());
+    tiers.push_back(tier);
+  });
+  return true;
+}
+
+void ProMzReduce::CalcRule(ProSale& sale) {
+  if (!sale.CanApplyToSale(Info.Primary, Info.BillNo) || !CheckBaseCondition(sale)) return;
+  m_lists.clear();
+  QString error;
+  // Nothing changes the lines while rows are read, so the loader takes no copy of them.
+  if (!LoadRuleDetail(Info.BillNo, sale.Plus, error)) {
+    Log(QStringLiteral("计算满减促销失败") + error);
+    return;
+  }
+  for (ProMzList& list : m_lists) CalcList(list, sale);
+  LimitByMaxDiscount(Info, sale);
+}
+
+void ProMzReduce::CalcList(ProMzList& list, ProSale& sale) const {
+  if (list.Tiers.empty()) return;
+  SortTiersDown(list.Tiers);
+  SpreadOptions options;
+  options.SetFinalPrice = list.SetsFinalPrice();
+  options.VipType = MemberText(sale);
+  if (Same(list.ConAreaType, ConditionArea::kWholeSale)) ReduceWholeSale(list, sale, options);
+  if (Same(list.ConAreaType, ConditionArea::kChosenLines)) ReduceChosenLines(list, sale, options);
+}
+
+void ProMzReduce::ReduceWholeSale(const ProMzList& list, ProSale& sale, const SpreadOptions& options) const {
+  double amount = 0;
+  for (const SalePlu& line : LastToFirst(sale.Plus)) amount += GetLineLeftTotal(line, Info.Primary, Info.ProType);
+  const double sum = SumOfTiers(list, amount);
+  if (!(sum > 0)) return;
+
+  // This spreading leaves the lines' amounts to this type: each falls by what the rule's row on it gained, the rounding
+  // tail included.
+  std::vector<double> held;
+  for (const SalePlu& line : sale.Plus) held.push_back(GivenOn(line));
+  SpreadOverLines(Info, sale.Plus, sum, amount, options);
+  auto heldBefore = held.begin();
+  for (SalePlu& line : sale.Plus) line.Total -= GivenOn(line) - *heldBefore++;
+}
+
+void ProMzReduce::ReduceChosenLines(const ProMzList& list, ProSale& sale, const SpreadOptions& options) const {
+  const RuleLines chosen = SelectRuleLines(Info, SplitRows(list.Conditions), sale.Plus);
+  if (chosen.Money == 0) return;
+  const double sum = SumOfTiers(list, chosen.Money);
+  if (sum > 0) SpreadOverLinePtrs(Info, chosen.Lines, sum, chosen.Money, options);
+}
+
+/// What an amount brings over the tiers of an offer.
+double ProMzReduce::SumOfTiers(const ProMzList& list, double amount) const {
+  double remainder = amount;
+  double sum = 0;
+  for (const PluAddAction& tier : list.Tiers) {
+    if (remainder < tier.BaseConNum) continue;
+    sum += tier.BaseDscNum;
+    const std::optional<double> left = GiveFurtherSteps(tier, remainder, list.MaxDiscount, sum);
+    if (!left) {
+      LogTooManyRepeats(Info.BillNo);
+      return 0;
+    }
+    // A tier that repeats its threshold leaves nothing at least; with a step of its own it may leave less than nothing.
+    remainder = tier.AddConNum == 0 ? std::max(*left, 0.0) : *left;
+  }
+  return sum;
+}
+
+double ProMzReduce::GivenOn(const SalePlu& line) const {
+  const ProResult* row = FindResult(line, Info.BillNo);
+  return row != nullptr ? row->DisMoney : 0;
+}
+
+}  // namespace Corvane

@@ -1,0 +1,28 @@
+#ifndef QNCORVANE_PROMO_MZ_PROMZUSECOUPON_H
+#define QNCORVANE_PROMO_MZ_PROMZUSECOUPON_H
+
+#include "promo/mz/ProMzCoupon.h"
+#include "rule/LineSelection.h"
+#include "sale/ProSale.h"
+
+namespace Corvane {
+
+/// "MZYQ", the use of coupons: when the cashier presents coupons, the tiers tell how much coupon value the sale may
+/// take in. It takes in at most what was presented, and spreads it over the lines as a discount.
+///
+/// A rule that gives coupons is loaded as one of these, with the `ProType` "MZZQ": the two have one data shape, and the
+/// object answers to both steps. Here the tiers' sums mean the value taken; coupon header and denominations mean
+/// nothing.
+class ProMzUseCoupon : public ProMzCoupon {
+ public:
+  void CalcRule(ProSale& sale);
+
+ private:
+  void CalcList(ProMzList& list, ProSale& sale) const;
+  void TakeCoupons(const ProMzList& list, double amount, const LinePtrs& chosen, ProSale& sale) const;
+  float SumOfTiers(const ProMzList& list, double amount) const;
+};
+
+}  // namespace Corvane
+
+#endif

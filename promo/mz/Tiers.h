@@ -1,0 +1,86 @@
+#ifndef QNCORVANE_PROMO_MZ_TIERS_H
+#define QNCORVANE_PROMO_MZ_TIERS_H
+
+#include <cmath>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "base/Text.h"
+#include "sale/SaleRecords.h"
+
+namespace Corvane {
+
+// What the walks through tiers have in common. A tier is reached at its threshold, gives its base sum once, and gives
+// its step sum for each further step that fits.
+
+/// The units of thresholds and gifts.
+namespace TierUnit {
+constexpr Text kMoney = "SUM";
+constexpr Text kQuantity = "NUM";
+}  // namespace TierUnit
+
+/// The most rounds of one repetition. The largest sales hold a few thousand steps. A repetition that has not ended by
+/// then comes from a step that makes no sense and would stand still the till: the tier's offer gives nothing then, and
+/// the log says so.
+constexpr std::int32_t kMaxRepeats = 10'000'000;
+
+/// Logs that an offer of the rule ran into kMaxRepeats and gives nothing.
+void LogTooManyRepeats(Text billNo);
+
+/// Order of numbers for sorting: `left < right`, and what is no number behind all numbers.
+inline bool SortsBefore(double left, double right) { return left < right || (!std::isnan(left) && std::isnan(right)); }
+
+/// Orders tiers by falling threshold. Tiers with equal thresholds keep their order; nothing may rely on it.
+void SortTiersDown(std::vector<PluAddAction>& tiers);
+
+/// The tiers behind one of a list, in their order, for a range-for. The list must outlive the walk.
+class TiersBehind {
+ public:
+  /// @param tier an entry of `tiers`.
+  TiersBehind(const std::vector<PluAddAction>& tiers, const PluAddAction& tier)
+      : m_first(&tier + 1), m_end(tiers.data() + tiers.size()) {}
+  const PluAddAction* begin() const { return m_first; }
+  const PluAddAction* end() const { return m_end; }
+
+ private:
+  const PluAddAction* m_first;
+  const PluAddAction* m_end;
+};
+
+/// Whether a sum has reached a cap; a cap of 0 is none.
+inline bool ReachesCap(double sum, double cap) { return cap != 0 && sum >= cap; }
+
+/// Adds `step` to `total`, `count` times, and stops at the cap. A total that is at or above the cap is cut to it at
+/// once, with a count of 0 or less too. The sum is made by additions one by one, never by a multiplication: its
+/// rounding is part of the result.
+///
+/// @param cap 0 means none.
+/// @return false when kMaxRepeats additions were not enough; `total` is of no use then.
+[[nodiscard]] bool AddRepeated(std::int32_t count, double step, double cap, double& total);
+
+/// AddRepeated in single precision: the additions are made in double precision, and each total is stored in single.
+[[nodiscard]] bool AddRepeatedSingle(std::int32_t count, float step, float cap, float& total);
+
+/// The steps that a tier gives beyond its threshold.
+struct FurtherSteps {
+  std::int32_t Count = 0;
+  double Gift = 0;  ///< given for each step
+  double Size = 0;  ///< what each step uses up
+};
+
+/// The further steps that fit into `amount`. There is no tolerance: an amount a hair short of a step doesn't count it.
+/// A step size of 0 gives the smallest integer as count, and so no steps.
+FurtherSteps FurtherStepsOf(const PluAddAction& tier, double amount);
+
+/// Gives the further steps of a tier that was reached.
+///
+/// @param remainder what reached the tier. What lies above the tier's `SaleMaxIn` is dropped; lower tiers don't see it.
+/// @param cap       cap of the sum; 0 means none. When it is reached, nothing is left for lower tiers.
+/// @param sum       in and out: what the offer gives.
+/// @return the new remainder, which may be negative; nothing after too many repeats, and `sum` is of no use then.
+std::optional<double> GiveFurtherSteps(const PluAddAction& tier, double remainder, double cap, double& sum);
+
+}  // namespace Corvane
+
+#endif
