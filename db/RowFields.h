@@ -30,7 +30,8 @@ struct FromColumn {
   /// The text itself, kept for the life of the process: rows of results borrow it.
   template <auto Field>
   static void KeptText(Record& record, const QVariant& value) {
-    const QByteArray text = value.toString().toUtf8();
+    // Some drivers make "0" of a NULL in a column of numbers.
+    const QByteArray text = value.isNull() ? QByteArray() : value.toString().toUtf8();
     record.*Field = KeepText({text.constData(), static_cast<std::size_t>(text.size())});
   }
   template <auto Field>
