@@ -30,14 +30,14 @@ std::string ReadFile(const std::filesystem::path& path) {
   std::exit(1);
 }
 
-/** A call that fails ends the run: there is nothing to time in it. */
+/// A call that fails ends the run: there is nothing to time in it.
 void Require(int code, const std::string& what) {
   if (code == 0) return;
   std::fprintf(stderr, "qncorvane_bench: %s answers %d\n", what.c_str(), code);
   std::exit(1);
 }
 
-/** The type word of a rule file is the first part of its name, but for a rule that gives coupons. */
+/// The type word of a rule file is the first part of its name, but for a rule that gives coupons.
 void LoadRule(const std::filesystem::path& path) {
   const std::string xml = ReadFile(path);
   const std::string word = path.filename().string().substr(0, 4);
@@ -59,7 +59,7 @@ void Calculate(const char* key, const char* mode, const std::string& sale) {
   Require(CalcPromotion(key, mode, sale.c_str(), result.data(), message.data()), mode);
 }
 
-/** Registers one mode on one sale; `before` runs untimed ahead of each call when it is not empty. */
+/// Registers one mode on one sale; `before` runs untimed ahead of each call when it is not empty.
 void Register(const std::string& name, const char* mode, const std::string& sale, const std::string& before = {}) {
   benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
     for (auto _ : state) {

@@ -15,7 +15,7 @@ QString ReadText(QFile& file, const char* codec) {
   return stream.readAll();
 }
 
-/** UTF-16 without a byte order mark shows, read as UTF-8, by the zero in its second place. */
+/// UTF-16 without a byte order mark shows, read as UTF-8, by the zero in its second place.
 QString ReadUtf8OrUtf16(QFile& file) {
   QString text = ReadText(file, "UTF-8");
   const bool utf16 = text.size() > 1 && text.at(1).isNull();

@@ -5,13 +5,12 @@
 
 namespace Corvane {
 
-/**
- * @return the directory of the host's executable, without a slash at its end. Qt's own answer needs a QCoreApplication,
- *         which most hosts lack and which is not ours to create: it would change the locale of the whole process.
- */
+/// @return the directory of the host's executable, without a slash at its end. Qt's own answer needs a
+/// QCoreApplication,
+///         which most hosts lack and which is not ours to create: it would change the locale of the whole process.
 QString HostDirectory();
 
-/** @return the path of `name` in the host's directory, whatever `name` holds. */
+/// @return the path of `name` in the host's directory, whatever `name` holds.
 QString InHostDirectory(const QString& name);
 
 }  // namespace Corvane

@@ -6,7 +6,7 @@
 
 namespace Corvane {
 
-/** One argument of a stored procedure, for `QnPosDBPro::exexProcWithArgs`. */
+/// One argument of a stored procedure, for `QnPosDBPro::exexProcWithArgs`.
 struct ProcArg {
   static constexpr qint32 Integer = 0;  ///< `Type` of an integer.
   static constexpr qint32 Text = 1;     ///< `Type` of a text.
@@ -15,11 +15,9 @@ struct ProcArg {
 
   ProcArg(const QString& name, const QString& value, qint32 direction, qint32 type);
 
-  /**
-   * From zero-terminated UTF-8 texts, which are copied; a null pointer is the empty text.
-   *
-   * @param mask 1: an argument without a name carries "***" in place of its value.
-   */
+  /// From zero-terminated UTF-8 texts, which are copied; a null pointer is the empty text.
+  ///
+  /// @param mask 1: an argument without a name carries "***" in place of its value.
   ProcArg(const char* name, const char* value, qint32 direction, qint32 type, qint32 mask);
 
   QString Name;      ///< Name, without a colon.

@@ -10,33 +10,31 @@
 
 namespace Corvane {
 
-/**
- * One argument of a stored procedure by position, for `QnPosDBPro::ExecProcFormat`:
- *
- *     db.ExecProcFormat("pNextNo", {ProcParam::In("till 3"), ProcParam::InOut(&count), ProcParam::Out(&number)});
- */
+/// One argument of a stored procedure by position, for `QnPosDBPro::ExecProcFormat`:
+///
+///     db.ExecProcFormat("pNextNo", {ProcParam::In("till 3"), ProcParam::InOut(&count), ProcParam::Out(&number)});
 class ProcParam {
  public:
   static ProcParam In(qint32 value) { return {value, QSql::In}; }
   static ProcParam In(double value) { return {value, QSql::In}; }
-  /** @param value zero-terminated UTF-8, copied; a null pointer is the empty text. */
+  /// @param value zero-terminated UTF-8, copied; a null pointer is the empty text.
   static ProcParam In(const char* value) { return {QString::fromUtf8(value), QSql::In}; }
   static ProcParam In(const QString& value) { return {value, QSql::In}; }
   static ProcParam In(const QByteArray& value) { return {value, QSql::In}; }
   static ProcParam In(const QDateTime& value) { return {value, QSql::In}; }
 
-  /** The value behind `address` (not null) goes in as it is now; what comes back is stored there. */
+  /// The value behind `address` (not null) goes in as it is now; what comes back is stored there.
   template <typename T>
   static ProcParam InOut(T* address) {
     return {Bound(*address), QSql::InOut, SqlTarget(address)};
   }
 
-  /** Nothing goes in (the integer 0 stands in its place); what comes back is stored at `address`. */
+  /// Nothing goes in (the integer 0 stands in its place); what comes back is stored at `address`.
   static ProcParam Out(const SqlTarget& address) { return {0, QSql::Out, address}; }
 
   const QVariant& Value() const { return m_value; }
   QSql::ParamType Direction() const { return m_direction; }
-  /** Takes what came back; does nothing for an argument that only goes in. */
+  /// Takes what came back; does nothing for an argument that only goes in.
   void Store(const QVariant& value) const {
     if (m_target) m_target->Store(value);
   }

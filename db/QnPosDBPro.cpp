@@ -17,60 +17,60 @@
 namespace Corvane {
 namespace {
 
-const QLatin1String Sqlite("SQLITE");
-const QLatin1String MySql("MYSQL");
-const QLatin1String SqlServer("SQLSERVER");
-const QLatin1String Oracle("ORACLE");
-const QLatin1String Access("ACCESS");
+const QLatin1String kSqlite("SQLITE");
+const QLatin1String kMySql("MYSQL");
+const QLatin1String kSqlServer("SQLSERVER");
+const QLatin1String kOracle("ORACLE");
+const QLatin1String kAccess("ACCESS");
 
-const QLatin1String Separator("||");
-const QLatin1String NotOpened(" DataBase is not opened!");
-const QLatin1String NotCreated("Connection is not Created!");
+const QLatin1String kSeparator("||");
+const QLatin1String kNotOpened(" DataBase is not opened!");
+const QLatin1String kNotCreated("Connection is not Created!");
 
-constexpr int ShownStatementChars = 30;
+constexpr int kShownStatementChars = 30;
 
 QString Translated(const char* text) { return QCoreApplication::translate("Corvane::QnPosDBPro", text); }
 
-/** The driver of a kind; empty for a kind without one. */
+/// The driver of a kind; empty for a kind without one.
 QString DriverOf(const QString& kind) {
-  if (kind == Sqlite) return QStringLiteral("QSQLITE");
-  if (kind == MySql) return QStringLiteral("QMYSQL");
-  if (kind == SqlServer || kind == Access) return QStringLiteral("QODBC");
-  if (kind == Oracle) return QStringLiteral("QOCI");
+  if (kind == kSqlite) return QStringLiteral("QSQLITE");
+  if (kind == kMySql) return QStringLiteral("QMYSQL");
+  if (kind == kSqlServer || kind == kAccess) return QStringLiteral("QODBC");
+  if (kind == kOracle) return QStringLiteral("QOCI");
   return {};
 }
 
-/** Whether the database is a server's: a file doesn't go away and come back. */
-bool IsRemote(const QString& kind) { return kind == MySql || kind == SqlServer || kind == Oracle; }
+/// Whether the database is a server's: a file doesn't go away and come back.
+bool IsRemote(const QString& kind) { return kind == kMySql || kind == kSqlServer || kind == kOracle; }
 
 QString ServerDateStatement(const QString& kind) {
-  if (kind == Sqlite) return QStringLiteral("select datetime('now') as date");
-  if (kind == MySql) return QStringLiteral("select current_timestamp as date");
-  if (kind == SqlServer || kind == Access) return QStringLiteral("select getdate() as date");
-  if (kind == Oracle) return QStringLiteral("select sysdate as date from dual");
+  if (kind == kSqlite) return QStringLiteral("select datetime('now') as date");
+  if (kind == kMySql) return QStringLiteral("select current_timestamp as date");
+  if (kind == kSqlServer || kind == kAccess) return QStringLiteral("select getdate() as date");
+  if (kind == kOracle) return QStringLiteral("select sysdate as date from dual");
   return {};
 }
 
-/** The least that a server can be asked. */
+/// The least that a server can be asked.
 QString TrialStatement(const QString& kind) {
-  return kind == Oracle ? QStringLiteral("select 1 from dual") : QStringLiteral("select 1");
+  return kind == kOracle ? QStringLiteral("select 1 from dual") : QStringLiteral("select 1");
 }
 
-/** A bare file name is a file in the host's directory; anything with a separator or a drive is a path of its own. */
+/// A bare file name is a file in the host's directory; anything with a separator or a drive is a path of its own.
 QString FilePath(const QString& name) {
   const bool bare =
       !name.contains(QLatin1Char(':')) && !name.contains(QLatin1Char('/')) && !name.contains(QLatin1Char('\\'));
   return bare ? InHostDirectory(name) : name;
 }
 
-/** A setting as text. The INI reader takes an unquoted comma for a list; here it is part of the password or path. */
+/// A setting as text. The INI reader takes an unquoted comma for a list; here it is part of the password or path.
 QString TextSetting(const QSettings& settings, const char* key) {
   const QVariant value = settings.value(QLatin1String(key));
   if (value.type() == QVariant::StringList) return value.toStringList().join(QLatin1Char(','));
   return value.toString();
 }
 
-/** Runs `operation`; an exception becomes a failure. */
+/// Runs `operation`; an exception becomes a failure.
 template <typename Operation>
 bool Guarded(QString& error, Operation operation) {
   try {
@@ -104,7 +104,7 @@ QnPosDBPro::~QnPosDBPro() = default;
 
 bool QnPosDBPro::IsOpen() const { return Db && Db->isOpen(); }
 
-/** Tries an open connection that there is reason to doubt; closes it when it gives no answer. */
+/// Tries an open connection that there is reason to doubt; closes it when it gives no answer.
 bool QnPosDBPro::WasLost() {
   if (!Health->NeedsTrial()) return false;
   QSqlQuery trial(*Db);
@@ -149,11 +149,11 @@ bool QnPosDBPro::Open(const QString& server, const QString& database, QString& e
   return Guarded(error, [&] {
     OpenName = database;
     if (!Db) return false;
-    if (DbTypeUpper == Sqlite) return OpenSqlite(database, error);
-    if (DbTypeUpper == MySql) return OpenMySql(server, database, error, user, password);
-    if (DbTypeUpper == SqlServer) return OpenSqlServer(server, database, error, user, password, port);
-    if (DbTypeUpper == Oracle) return OpenOracle(server, database, error, user, password, port);
-    if (DbTypeUpper == Access) return OpenAccess(server, database, error, user, password);
+    if (DbTypeUpper == kSqlite) return OpenSqlite(database, error);
+    if (DbTypeUpper == kMySql) return OpenMySql(server, database, error, user, password);
+    if (DbTypeUpper == kSqlServer) return OpenSqlServer(server, database, error, user, password, port);
+    if (DbTypeUpper == kOracle) return OpenOracle(server, database, error, user, password, port);
+    if (DbTypeUpper == kAccess) return OpenAccess(server, database, error, user, password);
     return false;
   });
 }
@@ -238,7 +238,7 @@ QDateTime QnPosDBPro::GetServerDate() {
   return answered ? date : QDateTime::currentDateTime();
 }
 
-/** Every statement goes out through these three, so that a connection that fails is doubted. */
+/// Every statement goes out through these three, so that a connection that fails is doubted.
 bool QnPosDBPro::Exec(QSqlQuery& query, const QString& sql) { return Health->Note(query.exec(sql)); }
 
 bool QnPosDBPro::Prepare(QSqlQuery& query, const QString& sql) { return Health->Note(query.prepare(sql)); }
@@ -246,10 +246,10 @@ bool QnPosDBPro::Prepare(QSqlQuery& query, const QString& sql) { return Health->
 bool QnPosDBPro::Exec(QSqlQuery& query) { return Health->Note(query.exec()); }
 
 bool QnPosDBPro::excuteSQL(const QString& sql, QString& error) {
-  error = QStringLiteral("函数:excuteSQL||执行:") + sql.left(ShownStatementChars) + Separator;
+  error = QStringLiteral("函数:excuteSQL||执行:") + sql.left(kShownStatementChars) + kSeparator;
   return Guarded(error, [&] {
     if (!IsOpen()) {
-      error += NotOpened;
+      error += kNotOpened;
       return false;
     }
     QSqlQuery query(*Db);
@@ -261,18 +261,18 @@ bool QnPosDBPro::excuteSQL(const QString& sql, QString& error) {
 
 bool QnPosDBPro::openRecordset(const QString& sql, QSqlQuery& query, QString& error) {
   if (!Db) {
-    error = NotCreated;
+    error = kNotCreated;
     return false;
   }
-  error = QStringLiteral("函数:openRecordset||执行:") + sql + Separator;
+  error = QStringLiteral("函数:openRecordset||执行:") + sql + kSeparator;
   return Guarded(error, [&] {
     if (!IsOpen()) {
-      error += NotOpened;
+      error += kNotOpened;
       return false;
     }
     query = QSqlQuery(*Db);
     // SQL Server sends one forward-only result at a time, and loaders ask the next question while reading the last.
-    query.setForwardOnly(DbTypeUpper != SqlServer);
+    query.setForwardOnly(DbTypeUpper != kSqlServer);
     if (Exec(query, sql)) return true;
     error += query.lastError().text();
     return false;
@@ -284,46 +284,46 @@ QString QnPosDBPro::UnsupportedProc() const {
 }
 
 bool QnPosDBPro::exexProc(const QString& name, const QString& args, QString& error) {
-  error = QStringLiteral("函数:exexProc||执行:") + name + Separator;
+  error = QStringLiteral("函数:exexProc||执行:") + name + kSeparator;
   return Guarded(error, [&] { return RunProc(name, args, error); });
 }
 
 bool QnPosDBPro::RunProc(const QString& name, const QString& args, QString& error) {
   if (!IsOpen()) {
-    error += NotOpened;
+    error += kNotOpened;
     return false;
   }
-  if (DbTypeUpper != SqlServer && DbTypeUpper != Oracle) {
+  if (DbTypeUpper != kSqlServer && DbTypeUpper != kOracle) {
     error = UnsupportedProc();
     return false;
   }
   QSqlQuery query(*Db);
-  const QString statement = DbTypeUpper == Oracle ? OracleCall(name, args) : SqlServerExec(name, args);
+  const QString statement = DbTypeUpper == kOracle ? OracleCall(name, args) : SqlServerExec(name, args);
   if (Prepare(query, statement) && Exec(query)) return true;
   error += query.lastError().text();
   return false;
 }
 
 bool QnPosDBPro::exexProcWithArgs(const QString& name, QList<ProcArg>& args, QString& error) {
-  error = QStringLiteral("函数:exexProcWithArgs||执行:") + name + Separator;
+  error = QStringLiteral("函数:exexProcWithArgs||执行:") + name + kSeparator;
   return Guarded(error, [&] { return RunProcWithArgs(name, args, error); });
 }
 
 bool QnPosDBPro::RunProcWithArgs(const QString& name, QList<ProcArg>& args, QString& error) {
   if (!IsOpen()) {
-    error += NotOpened;
+    error += kNotOpened;
     return false;
   }
   if (name.isEmpty() || args.isEmpty()) {
     error += QStringLiteral(" 存储过程名称或参数错误!");
     return false;
   }
-  if (DbTypeUpper != SqlServer && DbTypeUpper != Oracle) {
+  if (DbTypeUpper != kSqlServer && DbTypeUpper != kOracle) {
     error = UnsupportedProc();
     return false;
   }
   QSqlQuery query(*Db);
-  const QString statement = DbTypeUpper == Oracle ? OracleCall(name, args) : SqlServerExec(name, args);
+  const QString statement = DbTypeUpper == kOracle ? OracleCall(name, args) : SqlServerExec(name, args);
   if (!Prepare(query, statement)) {
     error += query.lastError().text();
     return false;
@@ -350,7 +350,7 @@ bool QnPosDBPro::BindArgs(QSqlQuery& query, const QList<ProcArg>& args, QString&
       return false;
     }
     const auto direction = QSql::ParamType(QFlag(arg.Direction));
-    if (DbTypeUpper == Oracle) {
+    if (DbTypeUpper == kOracle) {
       query.bindValue(QLatin1Char(':') + arg.Name, value, direction);
     } else {
       query.bindValue(position++, value, direction);
@@ -364,7 +364,7 @@ void QnPosDBPro::ReadOutArgs(const QSqlQuery& query, QList<ProcArg>& args) const
   for (ProcArg& arg : args) {
     const int place = position++;
     if (arg.Direction != ProcArg::Out) continue;
-    const bool named = DbTypeUpper == Oracle;
+    const bool named = DbTypeUpper == kOracle;
     arg.Value = (named ? query.boundValue(QLatin1Char(':') + arg.Name) : query.boundValue(place)).toString();
   }
 }
@@ -452,7 +452,7 @@ bool QnPosDBPro::ReadRecord(qint32 handle, const QList<ReadItem>& items) {
 
 bool QnPosDBPro::ExecProcFormat(const QString& name, const QList<ProcParam>& params) {
   return Guarded([&] {
-    if (!IsOpen() || DbTypeUpper != SqlServer) return false;
+    if (!IsOpen() || DbTypeUpper != kSqlServer) return false;
     QSqlQuery query(*Db);
     if (!Prepare(query, SqlServerExec(name, params))) return false;
     int position = 0;

@@ -20,140 +20,121 @@ namespace Corvane {
 
 class ConnectionHealth;
 
-/**
- * The store's database, of any of five kinds: "SQLITE", "MYSQL", "SQLSERVER", "ORACLE" or "ACCESS".
- *
- * Copies share one connection: what one opens is open for all. The connection outlives every copy; it is neither closed
- * nor taken out of Qt's list. It belongs to the thread that opened it, and so does all work with it.
- *
- * Failures are a false result and a text in `error`; no operation lets an exception out. The statement operations
- * (`excuteSQL`, `openRecordset`, `exexProc`, `exexProcWithArgs`) begin `error` with what they were asked to do, so that
- * `error` is NOT empty after a success: look at the result. The reason, if any, stands behind the last "||".
- *
- * A program without a QCoreApplication may use this class: drivers load all the same, and a bare file name stands in
- * the directory of the running executable.
- */
+/// The store's database, of any of five kinds: "SQLITE", "MYSQL", "SQLSERVER", "ORACLE" or "ACCESS".
+///
+/// Copies share one connection: what one opens is open for all. The connection outlives every copy; it is neither
+/// closed nor taken out of Qt's list. It belongs to the thread that opened it, and so does all work with it.
+///
+/// Failures are a false result and a text in `error`; no operation lets an exception out. The statement operations
+/// (`excuteSQL`, `openRecordset`, `exexProc`, `exexProcWithArgs`) begin `error` with what they were asked to do, so
+/// that `error` is NOT empty after a success: look at the result. The reason, if any, stands behind the last "||".
+///
+/// A program without a QCoreApplication may use this class: drivers load all the same, and a bare file name stands in
+/// the directory of the running executable.
 class QnPosDBPro {
  public:
-  /** Reads the settings, once, from "config.ini" in the current directory. Opens nothing. */
+  /// Reads the settings, once, from "config.ini" in the current directory. Opens nothing.
   QnPosDBPro();
 
-  /** The copy uses the same connection and sees the same recordsets, which live until their last holder lets them go.
-   */
+  /// The copy uses the same connection and sees the same recordsets, which live until their last holder lets them go.
   QnPosDBPro(const QnPosDBPro&) = default;
   QnPosDBPro& operator=(const QnPosDBPro&) = default;
 
-  /** Lets go of the recordsets. The connection stays. */
+  /// Lets go of the recordsets. The connection stays.
   virtual ~QnPosDBPro();
 
-  /**
-   * Makes sure that the connection is open; opens it when it isn't, or when it was lost since.
-   *
-   * One attempt, no waiting. To be called before each piece of work: then a server that went away and came back costs
-   * nothing but the statement during which it went.
-   *
-   * @param error in and out: on failure the reason is appended; without a `DbType` it is replaced. Else left alone.
-   * @return whether the connection is open.
-   */
+  /// Makes sure that the connection is open; opens it when it isn't, or when it was lost since.
+  ///
+  /// One attempt, no waiting. To be called before each piece of work: then a server that went away and came back costs
+  /// nothing but the statement during which it went.
+  ///
+  /// @param error in and out: on failure the reason is appended; without a `DbType` it is replaced. Else left alone.
+  /// @return whether the connection is open.
   bool EnsureOpen(QString& error);
 
-  /**
-   * Chooses the kind and makes a new, closed connection for it, under the first free name of "MyDBProcessConn0",
-   * "MyDBProcessConn1" and so on. Open recordsets are let go.
-   *
-   * @param type the kind in any letter case. With a kind that has no driver the connection stays what it was.
-   */
+  /// Chooses the kind and makes a new, closed connection for it, under the first free name of "MyDBProcessConn0",
+  /// "MyDBProcessConn1" and so on. Open recordsets are let go.
+  ///
+  /// @param type the kind in any letter case. With a kind that has no driver the connection stays what it was.
   void SetDbType(const QString& type);
 
-  /**
-   * Opens the connection in the way of its kind.
-   *
-   * @param server   server or host; for "ACCESS" a connection file that names the database; unused for "SQLITE".
-   * @param database database or file name; a bare file name ("SQLITE", "ACCESS") is a file beside the host's
-   * executable.
-   * @param error    out: the driver's reason is appended on failure.
-   * @param user     login; empty is "root" for "MYSQL" and "sa" for "ACCESS"; unused for "SQLITE".
-   * @param password as it is.
-   * @param port     0 is 1433 for "SQLSERVER" and 1521 for "ORACLE"; unused for the others, "MYSQL" included.
-   * @return whether the connection is open. False for a kind outside the five.
-   */
+  /// Opens the connection in the way of its kind.
+  ///
+  /// @param server   server or host; for "ACCESS" a connection file that names the database; unused for "SQLITE".
+  /// @param database database or file name; a bare file name ("SQLITE", "ACCESS") is a file beside the host's
+  /// executable.
+  /// @param error    out: the driver's reason is appended on failure.
+  /// @param user     login; empty is "root" for "MYSQL" and "sa" for "ACCESS"; unused for "SQLITE".
+  /// @param password as it is.
+  /// @param port     0 is 1433 for "SQLSERVER" and 1521 for "ORACLE"; unused for the others, "MYSQL" included.
+  /// @return whether the connection is open. False for a kind outside the five.
   bool Open(const QString& server, const QString& database, QString& error, const QString& user,
             const QString& password, qint32 port);
 
-  /** Driver options for the next open, in Qt's form ("NAME=value;..."). Without a connection nothing happens. */
+  /// Driver options for the next open, in Qt's form ("NAME=value;..."). Without a connection nothing happens.
   void SetConnectOptions(const QString& options);
 
-  /** Transactions. @return false as well when the driver has none. */
+  /// Transactions. @return false as well when the driver has none.
   bool BeginTransaction();
   bool Commit();
   bool Rollback();
 
-  /** @return the server's date and time; the client's clock when the server doesn't answer. */
+  /// @return the server's date and time; the client's clock when the server doesn't answer.
   QDateTime GetServerDate();
 
-  /**
-   * Runs a statement that gives no rows.
-   *
-   * @param error out: "函数:excuteSQL||执行:", the first 30 characters of `sql`, "||", and the reason if it failed.
-   */
+  /// Runs a statement that gives no rows.
+  ///
+  /// @param error out: "函数:excuteSQL||执行:", the first 30 characters of `sql`, "||", and the reason if it failed.
   bool excuteSQL(const QString& sql, QString& error);
 
-  /**
-   * Runs a SELECT.
-   *
-   * @param query out: the result set, standing before the first row. It may be forward only: `next()` is the one way to
-   *              move. Further statements may run while it is being read.
-   * @param error out: "函数:openRecordset||执行:", `sql`, "||", and the reason if it failed.
-   */
+  /// Runs a SELECT.
+  ///
+  /// @param query out: the result set, standing before the first row. It may be forward only: `next()` is the one way
+  /// to
+  ///              move. Further statements may run while it is being read.
+  /// @param error out: "函数:openRecordset||执行:", `sql`, "||", and the reason if it failed.
   bool openRecordset(const QString& sql, QSqlQuery& query, QString& error);
 
-  /**
-   * Runs a stored procedure ("SQLSERVER" and "ORACLE" only).
-   *
-   * @param args  the argument text, which goes out as it stands.
-   * @param error out: "函数:exexProc||执行:", `name`, "||", and the reason; another kind replaces the whole text.
-   */
+  /// Runs a stored procedure ("SQLSERVER" and "ORACLE" only).
+  ///
+  /// @param args  the argument text, which goes out as it stands.
+  /// @param error out: "函数:exexProc||执行:", `name`, "||", and the reason; another kind replaces the whole text.
   bool exexProc(const QString& name, const QString& args, QString& error);
 
-  /**
-   * Runs a stored procedure with bound arguments ("SQLSERVER" and "ORACLE" only).
-   *
-   * @param args  in and out: an argument whose `Direction` is Out gets its value back as text.
-   * @param error out: as for `exexProc`.
-   */
+  /// Runs a stored procedure with bound arguments ("SQLSERVER" and "ORACLE" only).
+  ///
+  /// @param args  in and out: an argument whose `Direction` is Out gets its value back as text.
+  /// @param error out: as for `exexProc`.
   bool exexProcWithArgs(const QString& name, QList<ProcArg>& args, QString& error);
 
-  /** Recordsets by handle. The caller chooses the number; a handle in use is emptied and used again. */
+  /// Recordsets by handle. The caller chooses the number; a handle in use is emptied and used again.
   bool OpenByHandle(qint32 handle, const QString& sql);
   void CloseHandle(qint32 handle);
-  /** @return true behind the last row, and for an unknown handle. */
+  /// @return true behind the last row, and for an unknown handle.
   bool IsEOF(qint32 handle) const;
-  /** @return true before the first row, and for an unknown handle. */
+  /// @return true before the first row, and for an unknown handle.
   bool IsBOF(qint32 handle) const;
-  /** Moves. @return whether the recordset then stands on a row; false for a handle without rows or a lost connection.
-   */
+  /// Moves. @return whether the recordset then stands on a row; false for a handle without rows or a lost connection.
   bool First(qint32 handle);
   bool Previous(qint32 handle);
   bool Next(qint32 handle);
   bool Last(qint32 handle);
-  /** @param row counted from 0. */
+  /// @param row counted from 0.
   bool Seek(qint32 handle, qint32 row);
 
-  /** INSERT of one row, each value bound to its column's name. @return false on failure; there is no reason kept. */
+  /// INSERT of one row, each value bound to its column's name. @return false on failure; there is no reason kept.
   bool InsertRecord(const QString& table, const QList<SqlItem>& items);
 
-  /** UPDATE. @param where raw SQL behind the columns, e.g. "WHERE BillNo='1'"; empty changes every row. */
+  /// UPDATE. @param where raw SQL behind the columns, e.g. "WHERE BillNo='1'"; empty changes every row.
   bool UpdateRecord(const QString& table, const QString& where, const QList<SqlItem>& items);
 
-  /**
-   * Reads the current row of the recordset under `handle` into the addresses of `items`. A column that the recordset
-   * doesn't have, or a NULL, reads as zero or empty.
-   *
-   * @return false when there is no such recordset; nothing is written then.
-   */
+  /// Reads the current row of the recordset under `handle` into the addresses of `items`. A column that the recordset
+  /// doesn't have, or a NULL, reads as zero or empty.
+  ///
+  /// @return false when there is no such recordset; nothing is written then.
   bool ReadRecord(qint32 handle, const QList<ReadItem>& items);
 
-  /** Runs a stored procedure ("SQLSERVER" only), arguments by position, and stores what comes out of it. */
+  /// Runs a stored procedure ("SQLSERVER" only), arguments by position, and stores what comes out of it.
   bool ExecProcFormat(const QString& name, const QList<ProcParam>& params);
 
  protected:

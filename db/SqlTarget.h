@@ -10,10 +10,8 @@
 
 namespace Corvane {
 
-/**
- * An address of the caller's that a value from the database goes to, in the form that the address's type asks for. The
- * variable behind the address must outlive the call it is given to; a null address is left alone.
- */
+/// An address of the caller's that a value from the database goes to, in the form that the address's type asks for. The
+/// variable behind the address must outlive the call it is given to; a null address is left alone.
 class SqlTarget {
  public:
   SqlTarget(quint8* out) : m_out(out) {}
@@ -24,7 +22,7 @@ class SqlTarget {
   SqlTarget(QByteArray* out) : m_out(out) {}
   SqlTarget(QDateTime* out) : m_out(out) {}
 
-  /** Stores `value`, converted; one that can't be converted, like NULL, stores zero or empty. */
+  /// Stores `value`, converted; one that can't be converted, like NULL, stores zero or empty.
   void Store(const QVariant& value) const;
 
  private:

@@ -44,7 +44,7 @@ std::vector<Step> ParseSteps(const std::string& text) {
   return steps;
 }
 
-/** The arguments behind "calc", taken one after the other. */
+/// The arguments behind "calc", taken one after the other.
 class ArgumentReader {
  public:
   explicit ArgumentReader(const std::vector<std::string>& arguments) : arguments_(arguments) {}

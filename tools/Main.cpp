@@ -16,7 +16,7 @@
 namespace Corvane::Tool {
 namespace {
 
-/** A step with the text that goes to the engine; the paths are read before the current directory changes. */
+/// A step with the text that goes to the engine; the paths are read before the current directory changes.
 struct LoadedStep {
   Step step;
   std::string saleXml;
@@ -31,7 +31,7 @@ std::vector<LoadedStep> LoadSteps(const std::vector<Step>& steps) {
   return loaded;
 }
 
-/** A gift choice that asks for too much is an answer: the cashier corrects it, and the till goes on. */
+/// A gift choice that asks for too much is an answer: the cashier corrects it, and the till goes on.
 bool IsRefusedGiftChoice(const LoadedStep& loaded, const Answer& answer) {
   return loaded.step.mode == "Gift" && answer.code < -1;
 }
@@ -54,10 +54,8 @@ void TakeResult(const std::string& mode, const std::string& xml, SaleView& sale)
   sale.TakeResult(*document.RootElement(), mode != "Single");
 }
 
-/**
- * Runs the steps, and prints nothing: the sale XML goes to the engine unread, so that a text that is not well-formed
- * can be tried too.
- */
+/// Runs the steps, and prints nothing: the sale XML goes to the engine unread, so that a text that is not well-formed
+/// can be tried too.
 std::string CalculateRaw(Till& till, const std::vector<LoadedStep>& steps) {
   Answer answer;
   for (const LoadedStep& loaded : steps) {
@@ -69,7 +67,7 @@ std::string CalculateRaw(Till& till, const std::vector<LoadedStep>& steps) {
   return answer.xml;
 }
 
-/** Runs one step and takes what it brings into `sale`. */
+/// Runs one step and takes what it brings into `sale`.
 Answer CalculateStep(Till& till, const LoadedStep& loaded, SaleView& sale) {
   TakeSent(loaded, sale);
   const bool bringsNothing = loaded.step.saleFile.empty();

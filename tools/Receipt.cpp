@@ -22,7 +22,7 @@ std::string Row(const std::string& number, const std::string& goods, const std::
          AtRight(quantity, kColumnWidth) + AtRight(price, kColumnWidth) + AtRight(amount, kColumnWidth) + "\n";
 }
 
-/** What a row for the whole sale means, by the type of the rule that wrote it. */
+/// What a row for the whole sale means, by the type of the rule that wrote it.
 std::string WholeSaleMeaning(const std::string& proType) {
   if (proType == "MZZQ") return "given for the next visit";
   if (proType == "MZYQ") return "coupons taken, see above";

@@ -9,22 +9,22 @@
 
 namespace Corvane::Tool {
 
-/** Prints a sale for a person at the till. */
+/// Prints a sale for a person at the till.
 class Receipt {
  public:
-  /** All three must outlive the receipt. */
+  /// All three must outlive the receipt.
   Receipt(std::ostream& out, const Store& store, const SaleView& sale) : out_(out), store_(store), sale_(sale) {}
 
-  /** The sale's number, and its lines as they were sent. */
+  /// The sale's number, and its lines as they were sent.
   void PrintBefore() const;
 
   void PrintStepsHeading() const;
 
-  /** One calculation: its mode, what was sent, and what is to pay after it or, when it was refused, why. */
+  /// One calculation: its mode, what was sent, and what is to pay after it or, when it was refused, why.
   void PrintStep(std::size_t number, const std::string& mode, const std::string& sent,
                  const std::string& refusal) const;
 
-  /** The lines with the discounts of each rule, the total, and what else the result tells. */
+  /// The lines with the discounts of each rule, the total, and what else the result tells.
   void PrintAfter() const;
 
  private:
@@ -38,7 +38,7 @@ class Receipt {
   void PrintOffers() const;
   void PrintItem(const OfferedItem& item) const;
   void PrintCouponsAndPayments() const;
-  /** Text at the left, amount in the last column. */
+  /// Text at the left, amount in the last column.
   void PrintSum(const std::string& text, double amount) const;
 
   std::ostream& out_;

@@ -10,7 +10,7 @@ namespace {
 
 std::size_t PageSize() { return static_cast<std::size_t>(sysconf(_SC_PAGESIZE)); }
 
-/** `size` in whole pages, and one more as the guard. */
+/// `size` in whole pages, and one more as the guard.
 std::size_t MappedSize(std::size_t size) { return (size / PageSize() + 2) * PageSize(); }
 
 }  // namespace

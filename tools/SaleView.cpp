@@ -12,14 +12,14 @@
 namespace Corvane::Tool {
 namespace {
 
-/** A number too large for an int is the largest there is. */
+/// A number too large for an int is the largest there is.
 int WholeNumber(const TiXmlElement& element, const char* attribute) {
   constexpr long kLeast = std::numeric_limits<int>::min();
   constexpr long kMost = std::numeric_limits<int>::max();
   return static_cast<int>(std::clamp(std::strtol(Text(element, attribute).c_str(), nullptr, 10), kLeast, kMost));
 }
 
-/** The rows of a group of the result; the engine writes them from the last to the first. */
+/// The rows of a group of the result; the engine writes them from the last to the first.
 std::vector<const TiXmlElement*> RowsInOrder(const TiXmlElement& result, const char* group) {
   std::vector<const TiXmlElement*> rows = Children(result.FirstChildElement(group));
   std::reverse(rows.begin(), rows.end());

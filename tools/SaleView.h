@@ -8,7 +8,7 @@ class TiXmlElement;
 
 namespace Corvane::Tool {
 
-/** A discount row of a result: what a rule took off a line, or its word on the whole sale. */
+/// A discount row of a result: what a rule took off a line, or its word on the whole sale.
 struct Discount {
   std::string rule;
   std::string proType;
@@ -17,23 +17,23 @@ struct Discount {
   std::string memberType;
 };
 
-/** A sale line as it was sent, with the discounts of the latest result. */
+/// A sale line as it was sent, with the discounts of the latest result.
 struct Line {
   int serialNo = 0;
   std::string code;
   double quantity = 0;
   double price = 0;
-  /** The amount that was sent, before any rule. */
+  /// The amount that was sent, before any rule.
   double amount = 0;
-  /** What the latest result says of the line's amount. */
+  /// What the latest result says of the line's amount.
   double resultAmount = 0;
   std::vector<Discount> discounts;
 
-  /** What the customer pays for the line: the amount sent less every discount on it. */
+  /// What the customer pays for the line: the amount sent less every discount on it.
   [[nodiscard]] double ToPay() const;
 };
 
-/** One article that a gift rule offers. */
+/// One article that a gift rule offers.
 struct OfferedItem {
   std::string code;
   double price = 0;
@@ -44,7 +44,7 @@ struct OfferedItem {
   bool canBeTaken = false;
 };
 
-/** The offers of one gift rule for one kind of threshold. */
+/// The offers of one gift rule for one kind of threshold.
 struct Offer {
   std::string rule;
   double reached = 0;
@@ -53,29 +53,29 @@ struct Offer {
   std::vector<OfferedItem> items;
 };
 
-/** A coupon that the customer has presented and that no rule has taken. */
+/// A coupon that the customer has presented and that no rule has taken.
 struct Coupon {
   std::string type;
   double value = 0;
 };
 
-/** A payment as it was sent. */
+/// A payment as it was sent.
 struct Payment {
   std::string mode;
   std::string cardNo;
   double money = 0;
 };
 
-/** A sale as a person at the till sees it, put together from what was sent and what came back. */
+/// A sale as a person at the till sees it, put together from what was sent and what came back.
 class SaleView {
  public:
-  /** Takes in the root of a sale XML that goes to the engine. A line sent again replaces the one of its number. */
+  /// Takes in the root of a sale XML that goes to the engine. A line sent again replaces the one of its number.
   void TakeSent(const TiXmlElement& sale);
 
-  /** Takes in the root of a result. `wholeSale` is false for the result of mode "Single", which tells of one line. */
+  /// Takes in the root of a result. `wholeSale` is false for the result of mode "Single", which tells of one line.
   void TakeResult(const TiXmlElement& result, bool wholeSale);
 
-  /** @return a sale XML that brings nothing but the header attributes sent so far. */
+  /// @return a sale XML that brings nothing but the header attributes sent so far.
   [[nodiscard]] std::string HeaderXml() const;
 
   [[nodiscard]] const std::string& BillNo() const { return billNo_; }
@@ -90,7 +90,7 @@ class SaleView {
 
   [[nodiscard]] double AmountSent() const;
   [[nodiscard]] double ToPay() const;
-  /** The sum of the lines' amounts in the latest result; not every rule lowers them. */
+  /// The sum of the lines' amounts in the latest result; not every rule lowers them.
   [[nodiscard]] double ResultAmount() const;
 
  private:

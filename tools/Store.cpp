@@ -22,7 +22,7 @@ std::string Lowered(std::string text) {
   return text;
 }
 
-/** The keys of the section "DataBase", in small letters. */
+/// The keys of the section "DataBase", in small letters.
 std::map<std::string, std::string> ReadDatabaseSettings(const std::string& text) {
   std::map<std::string, std::string> settings;
   std::istringstream lines(text);
@@ -55,7 +55,7 @@ RuleFile ReadRule(const std::filesystem::path& path) {
   return rule;
 }
 
-/** The key itself where there is no name. */
+/// The key itself where there is no name.
 std::string NameIn(const std::map<std::string, std::string>& names, const std::string& key) {
   const auto found = names.find(key);
   return found == names.end() || found->second.empty() ? key : found->second;

@@ -8,36 +8,34 @@
 
 namespace Corvane::Tool {
 
-/** A rule as it lies in the store's folder. */
+/// A rule as it lies in the store's folder.
 struct RuleFile {
   std::filesystem::path path;
   std::string xml;
-  /** The type word to load it under: its ProType, but "MZYQ" for a rule that gives coupons ("MZZQ"). */
+  /// The type word to load it under: its ProType, but "MZYQ" for a rule that gives coupons ("MZZQ").
   std::string loadType;
   std::string proType;
   std::string billNo;
-  /** The shop's own name of the promotion; may be empty. */
+  /// The shop's own name of the promotion; may be empty.
   std::string name;
 };
 
-/** A store's folder: config.ini, rules/, whatever database config.ini names, and goods.xml if the goods have names. */
+/// A store's folder: config.ini, rules/, whatever database config.ini names, and goods.xml if the goods have names.
 class Store {
  public:
-  /**
-   * Reads the folder.
-   *
-   * @throws ToolError when the folder, its config.ini or its rules/ is missing, when the SQLite file that config.ini
-   *         names is missing (the driver would make an empty one), or when a rule file or goods.xml can't be read.
-   */
+  /// Reads the folder.
+  ///
+  /// @throws ToolError when the folder, its config.ini or its rules/ is missing, when the SQLite file that config.ini
+  ///         names is missing (the driver would make an empty one), or when a rule file or goods.xml can't be read.
   explicit Store(const std::filesystem::path& folder);
 
   [[nodiscard]] const std::filesystem::path& Folder() const { return folder_; }
   [[nodiscard]] std::filesystem::path LogFile() const { return folder_ / "QnCorvane.txt"; }
-  /** In the order of their file names. */
+  /// In the order of their file names.
   [[nodiscard]] const std::vector<RuleFile>& Rules() const { return rules_; }
-  /** @return the promotion's name, or its number when it has none. */
+  /// @return the promotion's name, or its number when it has none.
   [[nodiscard]] std::string RuleName(const std::string& billNo) const;
-  /** @return the name in goods.xml, or the code when there is none. */
+  /// @return the name in goods.xml, or the code when there is none.
   [[nodiscard]] std::string GoodsName(const std::string& code) const;
 
  private:

@@ -7,7 +7,7 @@
 namespace Corvane::Tool {
 namespace {
 
-/** The bytes of the character that begins with `lead`; 1 for a byte that begins none. */
+/// The bytes of the character that begins with `lead`; 1 for a byte that begins none.
 std::size_t CharacterLength(unsigned char lead) {
   if (lead >= 0xF0U) return 4;
   if (lead >= 0xE0U) return 3;
@@ -15,10 +15,10 @@ std::size_t CharacterLength(unsigned char lead) {
   return 1;
 }
 
-/** Two for what begins with the bytes of the ideographs, kana, hangul and full-width forms; one for everything else. */
+/// Two for what begins with the bytes of the ideographs, kana, hangul and full-width forms; one for everything else.
 std::size_t CharacterWidth(unsigned char lead) { return lead >= 0xE3U && lead <= 0xEFU ? 2 : 1; }
 
-/** The place behind as many whole characters as `width` columns hold. */
+/// The place behind as many whole characters as `width` columns hold.
 std::size_t CutAt(const std::string& text, std::size_t width) {
   std::size_t place = 0;
   std::size_t used = 0;

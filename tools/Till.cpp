@@ -11,7 +11,7 @@
 namespace Corvane::Tool {
 namespace {
 
-/** Above the longest status text by far. */
+/// Above the longest status text by far.
 constexpr std::size_t kMessageRoom = 1024;
 
 }  // namespace

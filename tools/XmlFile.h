@@ -9,22 +9,22 @@
 
 namespace Corvane::Tool {
 
-/** @return the file's bytes. @throws ToolError naming the file and the reason when it can't be read. */
+/// @return the file's bytes. @throws ToolError naming the file and the reason when it can't be read.
 std::string ReadFile(const std::filesystem::path& path);
 
-/** Writes the file, with the directories above it. @throws ToolError when that fails. */
+/// Writes the file, with the directories above it. @throws ToolError when that fails.
 void WriteFile(const std::filesystem::path& path, const std::string& text);
 
-/** Parses `text` into `document`. @throws ToolError with `name`, line and reason when it is not well-formed. */
+/// Parses `text` into `document`. @throws ToolError with `name`, line and reason when it is not well-formed.
 void ParseXml(const std::string& text, const std::string& name, TiXmlDocument& document);
 
-/** @return the attribute's text, or the empty text. */
+/// @return the attribute's text, or the empty text.
 std::string Text(const TiXmlElement& element, const char* attribute);
 
-/** @return the attribute's number; 0 for none or for a text that is no number. */
+/// @return the attribute's number; 0 for none or for a text that is no number.
 double Number(const TiXmlElement& element, const char* attribute);
 
-/** @return the child elements of `parent`; none for null. */
+/// @return the child elements of `parent`; none for null.
 std::vector<const TiXmlElement*> Children(const TiXmlElement* parent);
 
 }  // namespace Corvane::Tool

@@ -6,8 +6,11 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <memory>
 #include <sstream>
 
@@ -20,18 +23,15 @@ namespace {
 constexpr const char* kUntouched = "(untouched)";
 constexpr const char* kLogFile = "QnCorvane.txt";
 
-/// Far more room than any test's answer needs.
+/// Far more room than any test's answer needs. Not initialised: thousands of calls would do little else.
 class Buffer {
  public:
-  Buffer() : m_room(4U << 20U) {
-    const std::string mark(kUntouched);
-    std::copy(mark.begin(), mark.end(), m_room.begin());
-  }
-  char* Data() { return m_room.data(); }
-  std::string Text() const { return m_room.data(); }
+  Buffer() : m_room(new char[4U << 20U]) { std::strcpy(Data(), kUntouched); }
+  char* Data() { return m_room.get(); }
+  std::string Text() const { return m_room.get(); }
 
  private:
-  std::vector<char> m_room;
+  std::unique_ptr<char[]> m_room;
 };
 
 /// The directory of this process's till, removed at its end.
@@ -66,6 +66,8 @@ Database OpenStore() {
   sqlite3* store = nullptr;
   if (sqlite3_open((OwnDirectory().Path() + "/store.db").c_str(), &store) != SQLITE_OK) ADD_FAILURE() << "no store";
   sqlite3_busy_timeout(store, 5000);
+  // A test's store needs no safety against a power cut, and waiting for the disk would be most of a test's time.
+  sqlite3_exec(store, "pragma synchronous=off; pragma journal_mode=memory", nullptr, nullptr, nullptr);
   return {store, sqlite3_close};
 }
 
@@ -96,6 +98,19 @@ AttributeList AttributesOf(const TiXmlElement& element) {
   return attributes;
 }
 
+const TiXmlElement* GroupOf(const TiXmlDocument& result, const std::string& group) {
+  const TiXmlElement* sale = result.RootElement();
+  return sale == nullptr ? nullptr : sale->FirstChildElement(group);
+}
+
+std::vector<Row> RowsBelow(const TiXmlElement& parent) {
+  std::vector<Row> rows;
+  for (const TiXmlElement* row = parent.FirstChildElement(); row != nullptr; row = row->NextSiblingElement()) {
+    rows.emplace_back(AttributesOf(*row));
+  }
+  return rows;
+}
+
 /// Header attributes written as in XML overrule those of the same name and follow the others.
 AttributeList Overruled(AttributeList header, const std::string& written) {
   TiXmlDocument document;
@@ -123,17 +138,22 @@ std::string Row::operator[](const std::string& name) const {
 std::vector<Row> RowsOf(const std::string& result, const std::string& group) {
   TiXmlDocument document;
   document.Parse(result.c_str());
-  std::vector<Row> rows;
-  const TiXmlElement* sale = document.RootElement();
-  const TiXmlElement* parent = sale == nullptr ? nullptr : sale->FirstChildElement(group);
-  if (parent == nullptr) {
-    ADD_FAILURE() << "no group " << group << " in " << result;
-    return rows;
+  const TiXmlElement* parent = GroupOf(document, group);
+  if (parent != nullptr) return RowsBelow(*parent);
+  ADD_FAILURE() << "no group " << group << " in " << result;
+  return {};
+}
+
+std::vector<Offer> OffersOf(const std::string& result) {
+  TiXmlDocument document;
+  document.Parse(result.c_str());
+  std::vector<Offer> offers;
+  const TiXmlElement* parent = GroupOf(document, "ProGifts");
+  const TiXmlElement* offer = parent == nullptr ? nullptr : parent->FirstChildElement();
+  for (; offer != nullptr; offer = offer->NextSiblingElement()) {
+    offers.push_back({Row(AttributesOf(*offer)), RowsBelow(*offer)});
   }
-  for (const TiXmlElement* row = parent->FirstChildElement(); row != nullptr; row = row->NextSiblingElement()) {
-    rows.emplace_back(AttributesOf(*row));
-  }
-  return rows;
+  return offers;
 }
 
 Row RowWhere(const std::string& result, const std::string& group, const std::string& name, const std::string& value) {
@@ -145,6 +165,51 @@ Row RowWhere(const std::string& result, const std::string& group, const std::str
     ADD_FAILURE() << found.size() << " rows of " << group << " with " << name << "=" << value << " in " << result;
   }
   return found.empty() ? Row({}) : found.front();
+}
+
+namespace {
+
+/// Rows of a result from the first to the last: the result lists them the other way about.
+std::vector<Row> FirstToLast(const std::string& result, const std::string& group) {
+  std::vector<Row> rows = RowsOf(result, group);
+  std::reverse(rows.begin(), rows.end());
+  return rows;
+}
+
+std::vector<std::string> Given(const std::string& result, const std::string& group, const std::string& count,
+                               const std::string& money) {
+  std::vector<std::string> given;
+  for (const Row& row : FirstToLast(result, group)) {
+    const std::string line = row["PluCode"] == "*" ? "*" : row["RowID"] + " " + row["PluCode"];
+    given.push_back(line + ": " + row["ProBillNo"] + " on " + row[count] + " gives " + row[money]);
+  }
+  return given;
+}
+
+/// Ends this process: with 0 when all expectations of the test held.
+[[noreturn]] void ExitWithVerdict() {
+  const ::testing::TestResult& result = *::testing::UnitTest::GetInstance()->current_test_info()->result();
+  for (int part = 0; part < result.total_part_count(); ++part) std::cerr << result.GetTestPartResult(part).summary();
+  std::exit(result.Passed() ? 0 : 1);
+}
+
+}  // namespace
+
+std::vector<std::string> LinesOf(const std::string& result) {
+  std::vector<std::string> lines;
+  for (const Row& row : FirstToLast(result, "Plu")) {
+    lines.push_back(row["SerialNo"] + " " + row["PluCode"] + " " + row["PluCount"] + " x " + row["Price"] + " = " +
+                    row["Total"]);
+  }
+  return lines;
+}
+
+std::vector<std::string> DiscountsOf(const std::string& result) {
+  return Given(result, "ProResult", "DisNum", "DisMoney");
+}
+
+std::vector<std::string> SharesOf(const std::string& result) {
+  return Given(result, "Apportion", "AppNum", "AppMoney");
 }
 
 void Till::SetUp() {
@@ -165,6 +230,12 @@ void Till::MakeTables() {
   statements << schema.rdbuf();
   ASSERT_FALSE(statements.str().empty());
   Sql(statements.str());
+}
+
+void Till::Put(const std::vector<DirectRow>& rows) {
+  std::string statements;
+  for (const DirectRow& row : rows) statements += row.Insert();
+  Sql(statements);
 }
 
 Answer Till::Load(const std::string& type, const std::string& xml) {
@@ -218,6 +289,60 @@ long Till::Count(const std::vector<std::string>& log, const std::string& entry) 
 
 const std::string& Till::Directory() { return OwnDirectory().Path(); }
 
+void FreshTill::SetUp() {
+  const std::string empty = Directory() + "/fresh";
+  std::filesystem::remove_all(empty);
+  std::filesystem::create_directory(empty);
+  std::filesystem::current_path(empty);
+}
+
+void FreshTill::InFreshProcess(const std::function<void()>& body) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        body();
+        ExitWithVerdict();
+      },
+      ::testing::ExitedWithCode(0), "");
+}
+
+void FreshTill::WriteSettings(const std::string& dbType, const std::string& dbName) {
+  std::ofstream("config.ini") << "[DataBase]\nDbType=" << dbType << "\nDBName=" << dbName << "\n";
+}
+
+DirectRow::DirectRow(std::string billNo, int serialNo, std::string code, std::string type)
+    : m_billNo(std::move(billNo)), m_serialNo(serialNo), m_code(std::move(code)), m_type(std::move(type)) {}
+
+DirectRow& DirectRow::Dsc(const std::string& type, const std::string& price, const std::string& rate) {
+  m_dscType = type;
+  m_price = price;
+  m_rate = rate;
+  return *this;
+}
+
+DirectRow& DirectRow::InRange(const std::string& word) {
+  m_inRange = word;
+  return *this;
+}
+
+DirectRow& DirectRow::SaleCount(const std::string& count) {
+  m_saleCount = count;
+  return *this;
+}
+
+DirectRow& DirectRow::AtMost(const std::string& count) {
+  m_atMost = count;
+  return *this;
+}
+
+std::string DirectRow::Insert() const {
+  const std::string texts = "'" + m_code + "','" + m_type + "','" + m_inRange + "','" + m_dscType + "'";
+  return "insert into tProPrjDirectProAct (BillNo,SerialNo,PluCode,PluType,InRange,DscType,DscPrice,DscRate,SaleCount,"
+         "TradeMaxCount) values ('" +
+         m_billNo + "'," + std::to_string(m_serialNo) + "," + texts + "," + m_price + "," + m_rate + "," + m_saleCount +
+         "," + m_atMost + ");";
+}
+
 std::string RuleXml(const std::string& billNo, const std::string& proType, const std::string& header,
                     const std::string& groups, bool ownFilters) {
   const AttributeList usual = {
@@ -227,11 +352,7 @@ std::string RuleXml(const std::string& billNo, const std::string& proType, const
   std::string xml = "<Rules><Rule";
   for (const auto& [name, value] : Overruled(usual, header)) xml.append(" ").append(name).append("=\"" + value + "\"");
   xml += ">";
-  if (!ownFilters) {
-    xml +=
-        R"(<OrgFilter><Row OrgCode="*"/></OrgFilter>)"
-        R"(<ProTime><Row StartDate="2000-01-01" EndDate="2099-12-31" StartTime="" EndTime="" Frequency="DAY"/></ProTime>)";
-  }
+  if (!ownFilters) xml.append(kEveryOrganisation).append(kEveryDay);
   return xml + groups + "</Rule></Rules>";
 }
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -43,6 +44,18 @@ struct Offer {
 /// The offers of a result XML, in document order.
 std::vector<Offer> OffersOf(const std::string& result);
 
+/// The lines of a result from first to last, as a receipt shows them: "1 COLA 3.00 x 10.00 = 24.00".
+std::vector<std::string> LinesOf(const std::string& result);
+
+/// The discounts of a result line by line, in the order in which the rules gave them: "1 COLA: X1 on 3.00 gives 6.00"
+/// for line 1, rule X1, quantity and money. What belongs to no line stands first, as "*: ...".
+std::vector<std::string> DiscountsOf(const std::string& result);
+
+/// The shares ("Apportion") of a result in the same form.
+std::vector<std::string> SharesOf(const std::string& result);
+
+class DirectRow;
+
 /// A till: a directory of its own as current directory, with "config.ini" and an empty SQLite store, and the engine
 /// behind its exported calls. Every test starts with no rules, no sales, an empty store and no log, in the state
 /// "Free".
@@ -54,6 +67,8 @@ class Till : public ::testing::Test {
   static void Sql(const std::string& statements);
   /// Makes all tables that the engine reads, without rows.
   static void MakeTables();
+  /// Writes rows into the table of the ordinary promotions.
+  static void Put(const std::vector<DirectRow>& rows);
 
   static Answer Load(const std::string& type, const std::string& xml);
   static Answer Clear(const std::string& billNo);
@@ -76,6 +91,49 @@ inline constexpr const char* kEveryOrganisation = R"(<OrgFilter><Row OrgCode="*"
 inline constexpr const char* kEveryDay =
     R"(<ProTime><Row StartDate="2000-01-01" EndDate="2099-12-31" StartTime="" EndTime="" Frequency="DAY"/></ProTime>)";
 
+/// A till whose engine nobody has called yet, for what holds only then.
+class FreshTill : public Till {
+ protected:
+  /// Calls nothing of the engine. The current directory is an empty one inside the till's.
+  void SetUp() override;
+
+  /// Runs the body in a process of its own and fails the test when an expectation fails there. Once in a test; what
+  /// stands before it in the test is run in that process too.
+  static void InFreshProcess(const std::function<void()>& body);
+  /// Writes "config.ini" into the current directory.
+  static void WriteSettings(const std::string& dbType, const std::string& dbName);
+};
+
+/// A row of the table of the ordinary promotions ("PTXS", "PTPL", "PTOS"): what the rule `billNo` gives for goods, or
+/// with `type` "CAT" or "BRD" for a category or a brand. Numbers are texts of SQL. Without a price, rate or reduction
+/// nothing.
+class DirectRow {
+ public:
+  DirectRow(std::string billNo, int serialNo, std::string code, std::string type = "PLU");
+  DirectRow& Price(const std::string& price) { return Dsc("PRC", price, "0"); }     ///< the new price
+  DirectRow& PercentOff(const std::string& rate) { return Dsc("RAT", "0", rate); }  ///< percent taken off
+  DirectRow& MoneyOff(const std::string& amount) { return Dsc("2", amount, "0"); }  ///< money off each piece
+  DirectRow& Dsc(const std::string& type, const std::string& price, const std::string& rate);
+  DirectRow& InRange(const std::string& word);  ///< "IN" unless told
+  DirectRow& Except() { return InRange("NOT"); }
+  DirectRow& SaleCount(const std::string& count);
+  DirectRow& AtMost(const std::string& count);  ///< `TradeMaxCount`
+  /// The statement that writes the row.
+  std::string Insert() const;
+
+ private:
+  std::string m_billNo;
+  int m_serialNo;
+  std::string m_code;
+  std::string m_type;
+  std::string m_inRange = "IN";
+  std::string m_dscType;
+  std::string m_price = "0";
+  std::string m_rate = "0";
+  std::string m_saleCount = "0";
+  std::string m_atMost = "0";
+};
+
 /// The XML of a rule that applies at every organisation on every day, so that only what a test is about differs.
 /// `header` are further header attributes or other values for the ones given here, e.g. `Primary="DZ"`; `groups` are
 /// further groups, or "OrgFilter" and "ProTime" groups instead of the given ones when `ownFilters` is true.
@@ -85,7 +143,8 @@ std::string RuleXml(const std::string& billNo, const std::string& proType, const
 /// The XML of a sale of the organisation "S01": `lines` are the rows of the group "Plu", `groups` further groups.
 std::string SaleXml(const std::string& lines, const std::string& groups = "", const std::string& isCalc = "0");
 
-/// A sale line on 2026-11-21 at 10:00:00; `more` are further attributes.
+/// A sale line on 2026-11-21, a Saturday, at 10:00:00; `more` are further attributes, or the given ones again: of an
+/// attribute that occurs twice the last value counts.
 std::string LineXml(int serialNo, const std::string& pluCode, const std::string& price, const std::string& count,
                     const std::string& total, const std::string& more = "");
 

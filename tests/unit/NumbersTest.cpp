@@ -1,0 +1,422 @@
+// Conversions and roundings. Every table runs under the plain locale and under surroundings with decimal commas.
+#include "base/Numbers.h"
+
+#include <gtest/gtest.h>
+
+#include <QLocale>
+#include <clocale>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <ostream>
+#include <string>
+
+using Corvane::Text;
+
+namespace {
+
+constexpr double kInfinite = std::numeric_limits<double>::infinity();
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr std::int32_t kSmallest = -2147483647 - 1;
+
+/// What a host can have set up around the engine.
+struct Surroundings {
+  const char* Name;
+  const char* CLocale;
+  QLocale::Language QtLanguage;
+};
+
+void PrintTo(const Surroundings& surroundings, std::ostream* out) { *out << surroundings.Name; }
+
+class Numbers : public testing::TestWithParam<Surroundings> {
+ protected:
+  void SetUp() override {
+    if (std::setlocale(LC_ALL, GetParam().CLocale) == nullptr) {
+      GTEST_SKIP() << "the locale " << GetParam().CLocale << " is not installed";
+    }
+    QLocale::setDefault(QLocale(GetParam().QtLanguage));
+  }
+
+  void TearDown() override {
+    std::setlocale(LC_ALL, m_before.c_str());
+    QLocale::setDefault(m_qtBefore);
+  }
+
+ private:
+  std::string m_before = std::setlocale(LC_ALL, nullptr);
+  QLocale m_qtBefore;
+};
+
+INSTANTIATE_TEST_SUITE_P(In, Numbers,
+                         testing::Values(Surroundings{"PlainLocale", "C", QLocale::C},
+                                         Surroundings{"GermanHostProgram", "C", QLocale::German},
+                                         Surroundings{"GermanProcess", "de_DE.UTF-8", QLocale::German}),
+                         [](const auto& test) { return std::string(test.param.Name); });
+
+/// Equal as results: NaN is NaN, and the zeros are told apart.
+void ExpectSameNumber(double actual, double expected) {
+  EXPECT_EQ(std::isnan(actual), std::isnan(expected));
+  if (std::isnan(expected)) return;
+  EXPECT_EQ(actual, expected);
+  EXPECT_EQ(std::signbit(actual), std::signbit(expected));
+}
+
+struct NumberRow {
+  double Given;
+  double Expected;
+};
+
+template <std::size_t Count>
+void ExpectEach(double (*function)(double), const NumberRow (&rows)[Count]) {
+  for (const NumberRow& row : rows) {
+    SCOPED_TRACE(row.Given);
+    ExpectSameNumber(function(row.Given), row.Expected);
+  }
+}
+
+struct FormRow {
+  double Given;
+  std::string Expected;
+};
+
+template <std::size_t Count>
+void ExpectEach(std::string (*function)(double), const FormRow (&rows)[Count]) {
+  for (const FormRow& row : rows) {
+    SCOPED_TRACE(row.Given);
+    EXPECT_EQ(function(row.Given), row.Expected);
+  }
+}
+
+// --- Text to number
+// ---------------------------------------------------------------------------------------------------
+
+struct TextToDouble {
+  Text Given;
+  double Expected;
+};
+
+TEST_P(Numbers, ToDoubleReadsTheNumberAtTheStartOfTheText) {
+  const TextToDouble rows[] = {{"9.90", 9.9},
+                               {"9.90abc", 9.9},
+                               {"  9.90", 9.9},
+                               {"\t\n\r 9.90 ", 9.9},
+                               {"+3", 3},
+                               {"-.5", -0.5},
+                               {"3.", 3},
+                               {"007", 7},
+                               {"1e2", 100},
+                               {"1e", 1},
+                               {"1e400", kInfinite},
+                               {"-1e400", -kInfinite},
+                               {"1e-400", 0},
+                               {"0x10", 16},
+                               {"inf", kInfinite},
+                               {"-0", -0.0}};
+  for (const TextToDouble& row : rows) {
+    SCOPED_TRACE(row.Given);
+    ExpectSameNumber(Corvane::ToDouble(row.Given), row.Expected);
+  }
+}
+
+TEST_P(Numbers, ToDoubleOfNoNumberIsZero) {
+  for (const Text text : {static_cast<Text>(nullptr), "", " ", "abc", ".", "--3", "- 3", ",5", "\xC2\xA0\x39"}) {
+    SCOPED_TRACE(Corvane::OrEmpty(text));
+    ExpectSameNumber(Corvane::ToDouble(text), 0);
+  }
+}
+
+TEST_P(Numbers, ToDoubleTakesThePointForTheDecimalSignAndNeverTheComma) {
+  EXPECT_EQ(Corvane::ToDouble("9.90"), 9.9);
+  EXPECT_EQ(Corvane::ToDouble("9,90"), 9);
+  EXPECT_EQ(Corvane::ToDouble("1.234,5"), 1.234);
+}
+
+TEST_P(Numbers, ToDoubleReadsNan) { EXPECT_TRUE(std::isnan(Corvane::ToDouble("nan"))); }
+
+struct TextToInteger {
+  Text Given;
+  std::int32_t Expected;
+};
+
+TEST_P(Numbers, ToInt32ReadsTheIntegerAtTheStartOfTheText) {
+  const TextToInteger rows[] = {{"12", 12},
+                                {" \t12", 12},
+                                {"+12", 12},
+                                {"-12", -12},
+                                {"12abc", 12},
+                                {"9.9", 9},
+                                {"1e3", 1},
+                                {"012", 12},
+                                {"0x10", 0},
+                                {"2147483647", 2147483647},
+                                {"-2147483648", kSmallest}};
+  for (const TextToInteger& row : rows) {
+    SCOPED_TRACE(row.Given);
+    EXPECT_EQ(Corvane::ToInt32(row.Given), row.Expected);
+  }
+}
+
+TEST_P(Numbers, ToInt32OfNoNumberIsZero) {
+  for (const Text text : {static_cast<Text>(nullptr), "", " ", "abc", "-", "--3", ".5"}) {
+    SCOPED_TRACE(Corvane::OrEmpty(text));
+    EXPECT_EQ(Corvane::ToInt32(text), 0);
+  }
+}
+
+TEST_P(Numbers, ToInt32OutOfRangeIsTheSmallestInteger) {
+  for (const Text text : {"2147483648", "-2147483649", "4294967296", "9223372036854775807", "99999999999999999999999",
+                          "-99999999999999999999999"}) {
+    SCOPED_TRACE(text);
+    EXPECT_EQ(Corvane::ToInt32(text), kSmallest);
+  }
+}
+
+// --- Number to text
+// ---------------------------------------------------------------------------------------------------
+
+/// The exact value of the double nearest to 1e300.
+const std::string kDigitsOf1e300 =
+    "1000000000000000052504760255204420248704468581108159154915854115511802457988908195786371375080447864"
+    "0437044438328838781769425232353604305756447921847867069828483872009265758037378302337947880900593689"
+    "5323497079994508111903896764088007465274278014249457925878882005684283811566947219638686545940054016"
+    "0";
+
+// A tie is exact when the binary value is: 1.005 is 1.00499999999999989..., 0.005 is 0.00500000000000000010...
+TEST_P(Numbers, FormatF2HalvesToEven) {
+  const FormRow rows[] = {
+      {0, "0.00"},       {0.125, "0.12"},   {0.375, "0.38"},    {0.625, "0.62"}, {0.875, "0.88"},
+      {-0.125, "-0.12"}, {-0.375, "-0.38"}, {1.005, "1.00"},    {2.675, "2.67"}, {2.5e-3, "0.00"},
+      {0.005, "0.01"},   {0.015, "0.01"},   {0.025, "0.03"},    {9.9, "9.90"},   {1234567.891, "1234567.89"},
+      {-0.001, "-0.00"}, {-0.0, "-0.00"},   {-21.999, "-22.00"}};
+  ExpectEach(Corvane::FormatF2, rows);
+}
+
+TEST_P(Numbers, FormatF2OfNoFiniteNumberIsThatOfPrintf) {
+  const FormRow rows[] = {{kNan, "nan"}, {std::copysign(kNan, -1), "-nan"}, {kInfinite, "inf"}, {-kInfinite, "-inf"}};
+  ExpectEach(Corvane::FormatF2, rows);
+}
+
+TEST_P(Numbers, FormatF2PrintsAllDigitsOfALargeNumber) {
+  EXPECT_EQ(Corvane::FormatF2(1e300), kDigitsOf1e300 + ".00");
+  EXPECT_EQ(Corvane::FormatF2(-1e300), "-" + kDigitsOf1e300 + ".00");
+}
+
+TEST_P(Numbers, FormatF4HalvesToEven) {
+  const FormRow rows[] = {{10, "10.0000"},       {10.0 / 3, "3.3333"}, {0.03125, "0.0312"},  {0.09375, "0.0938"},
+                          {-0.03125, "-0.0312"}, {0.00005, "0.0001"},  {-0.00001, "-0.0000"}};
+  ExpectEach(Corvane::FormatF4, rows);
+}
+
+TEST_P(Numbers, FormatF6HalvesToEven) {
+  const FormRow rows[] = {{1.5, "1.500000"}, {0.0078125, "0.007812"}, {-20, "-20.000000"}, {1e-7, "0.000000"}};
+  ExpectEach(Corvane::FormatF6, rows);
+}
+
+TEST_P(Numbers, FormatIPrintsDecimalIntegers) {
+  EXPECT_EQ(Corvane::FormatI(0), "0");
+  EXPECT_EQ(Corvane::FormatI(1234567), "1234567");
+  EXPECT_EQ(Corvane::FormatI(-7), "-7");
+  EXPECT_EQ(Corvane::FormatI(2147483647), "2147483647");
+  EXPECT_EQ(Corvane::FormatI(kSmallest), "-2147483648");
+}
+
+TEST_P(Numbers, FormatG6HasSixSignificantDigits) {
+  const FormRow rows[] = {{0, "0"},
+                          {3, "3"},
+                          {-2, "-2"},
+                          {2.5, "2.5"},
+                          {66.67, "66.67"},
+                          {100.005, "100.005"},
+                          {1.0 / 3, "0.333333"},
+                          {0.1 + 0.2, "0.3"},
+                          {123456, "123456"},
+                          {1234567, "1.23457e+06"},
+                          {1000000, "1e+06"},
+                          {0.0001, "0.0001"},
+                          {0.00001, "1e-05"},
+                          {1e300, "1e+300"},
+                          {kNan, "nan"},
+                          {kInfinite, "inf"},
+                          {-kInfinite, "-inf"}};
+  ExpectEach(Corvane::FormatG6, rows);
+}
+
+// The string class halves away from zero here too; printf would print 100000.
+TEST_P(Numbers, FormatG6HalvesAwayFromZero) { EXPECT_EQ(Corvane::FormatG6(100000.5), "100001"); }
+
+// --- Rounding
+// ---------------------------------------------------------------------------------------------------------
+
+TEST_P(Numbers, RoundMoneyHalvesAwayFromZero) {
+  const NumberRow rows[] = {{0, 0},
+                            {0.125, 0.13},
+                            {0.375, 0.38},
+                            {0.625, 0.63},
+                            {0.875, 0.88},
+                            {-0.125, -0.13},
+                            {-0.375, -0.38},
+                            {1.005, 1},
+                            {2.675, 2.67},
+                            {2.5e-3, 0},
+                            {0.005, 0.01},
+                            {0.015, 0.01},
+                            {0.025, 0.03},
+                            {9.9, 9.9},
+                            {-0.001, -0.0},
+                            {30.015, 30.02},
+                            {0.994, 0.99},
+                            {0.996, 1},
+                            {1234567.891, 1234567.89}};
+  ExpectEach(Corvane::RoundMoney, rows);
+}
+
+TEST_P(Numbers, RoundMoneyLeavesWhatIsNoAmountAsItIs) {
+  const NumberRow rows[] = {{kNan, kNan}, {kInfinite, kInfinite}, {-kInfinite, -kInfinite}, {1e300, 1e300}};
+  ExpectEach(Corvane::RoundMoney, rows);
+}
+
+TEST_P(Numbers, RoundThroughF2HalvesToEven) {
+  const NumberRow rows[] = {{0.125, 0.12}, {0.375, 0.38},  {0.625, 0.62}, {-0.125, -0.12},        {1.005, 1},
+                            {2.5e-3, 0},   {-0.001, -0.0}, {kNan, kNan},  {kInfinite, kInfinite}, {1e300, 1e300}};
+  ExpectEach(Corvane::RoundThroughF2, rows);
+}
+
+// 0.005 lies just above half a cent. -0.001 prints as "-0.00", which is another text than "0.00".
+TEST_P(Numbers, PrintsAsZeroComparesThePrintedForm) {
+  for (const double zero : {0.0, -0.0, 0.001, 0.0049}) {
+    SCOPED_TRACE(zero);
+    EXPECT_TRUE(Corvane::PrintsAsZero(zero));
+  }
+  for (const double other : {0.005, 0.01, -0.001, -0.01, 1.0, kNan, kInfinite}) {
+    SCOPED_TRACE(other);
+    EXPECT_FALSE(Corvane::PrintsAsZero(other));
+  }
+}
+
+// 0.995 lies just below, 1.005 too.
+TEST_P(Numbers, PrintsAsOneComparesThePrintedForm) {
+  for (const double one : {1.0, 0.9951, 1.004, 1.005}) {
+    SCOPED_TRACE(one);
+    EXPECT_TRUE(Corvane::PrintsAsOne(one));
+  }
+  for (const double other : {0.0, 0.995, 1.0051, -1.0, 100.0, kNan}) {
+    SCOPED_TRACE(other);
+    EXPECT_FALSE(Corvane::PrintsAsOne(other));
+  }
+}
+
+// trunc((x * 1000 + 5) / 10) / 100: 3.335 -> 3340 / 10 -> 334. Below zero the half cent pulls toward zero, so that
+// -3.33 -> -3325 / 10 -> -332.
+TEST_P(Numbers, CutToCentsAddsHalfACentAndCutsTowardZero) {
+  const NumberRow rows[] = {{0, 0},          {3.33, 3.33},   {10.0 / 3, 3.33}, {3.334, 3.33},
+                            {3.335, 3.34},   {0.005, 0.01},  {0.0049, 0},      {-0.005, 0},
+                            {-0.015, -0.01}, {-3.33, -3.32}, {-3.335, -3.33},  {-10.0 / 3, -3.32}};
+  ExpectEach(Corvane::CutToCents, rows);
+}
+
+// 21474836.47 is the last amount whose cents fit into 32 bits.
+TEST_P(Numbers, CutToCentsOutOfRangeIsTheSmallestInteger) {
+  const NumberRow rows[] = {{21474836.47, 21474836.47}, {21474836.48, -21474836.48}, {1e300, -21474836.48},
+                            {-1e300, -21474836.48},     {kNan, -21474836.48},        {kInfinite, -21474836.48}};
+  ExpectEach(Corvane::CutToCents, rows);
+}
+
+// In single precision 2.0000001 is 2, and 16777217 is 16777216.
+TEST_P(Numbers, CeilSingleRoundsUpInSinglePrecision) {
+  const NumberRow rows[] = {{0, 0},
+                            {1.5, 2},
+                            {2, 2},
+                            {2.01, 3},
+                            {-1.5, -1},
+                            {2.0000001, 2},
+                            {2.0000003, 3},
+                            {16777217, 16777216},
+                            {1e300, kInfinite},
+                            {kNan, kNan}};
+  ExpectEach(Corvane::CeilSingle, rows);
+}
+
+// ceil(x * 100 - 0.5) / 100: half a cent stays down, 3.335 -> 333; 3.336 -> 333.1 -> 334.
+TEST_P(Numbers, CeilToCentsLeavesHalfACentDown) {
+  const NumberRow rows[] = {{10.0 / 3, 3.33}, {3.335, 3.33}, {3.336, 3.34}, {5, 5}, {0.004, 0}, {0.006, 0.01}};
+  for (const NumberRow& row : rows) {
+    SCOPED_TRACE(row.Given);
+    EXPECT_EQ(Corvane::CeilToCents(row.Given), row.Expected);
+  }
+}
+
+// 167772.17 * 100 - 0.5 is 16777216.5, which single precision holds as 16777216: a cent is lost.
+TEST_P(Numbers, CeilToCentsLosesACentAboveWhatSinglePrecisionHolds) {
+  EXPECT_EQ(Corvane::CeilToCents(167772.17), 167772.16);
+}
+
+// --- Conversions that C++ leaves undefined out of range
+// -----------------------------------------------------------------
+
+struct CutRow {
+  double Given;
+  std::int32_t Expected;
+};
+
+TEST_P(Numbers, TruncToInt32CutsTowardZero) {
+  const CutRow rows[] = {{0, 0},
+                         {2.9, 2},
+                         {-2.9, -2},
+                         {0.999, 0},
+                         {-0.999, 0},
+                         {2147483647.0, 2147483647},
+                         {2147483647.9, 2147483647},
+                         {-2147483648.0, kSmallest},
+                         {-2147483647.9, -2147483647}};
+  for (const CutRow& row : rows) {
+    SCOPED_TRACE(row.Given);
+    EXPECT_EQ(Corvane::TruncToInt32(row.Given), row.Expected);
+  }
+}
+
+TEST_P(Numbers, TruncToInt32OutOfRangeIsTheSmallestInteger) {
+  for (const double value : {2147483648.0, -2147483649.0, 4294967296.0, 1e300, -1e300, kNan, kInfinite, -kInfinite}) {
+    SCOPED_TRACE(value);
+    EXPECT_EQ(Corvane::TruncToInt32(value), kSmallest);
+  }
+}
+
+TEST_P(Numbers, ToSingleRoundsToTheNearestSingle) {
+  EXPECT_EQ(Corvane::ToSingle(0.1), 0.1F);
+  EXPECT_EQ(Corvane::ToSingle(16777217), 16777216.0F);
+  EXPECT_EQ(Corvane::ToSingle(-16777217), -16777216.0F);
+}
+
+TEST_P(Numbers, ToSingleOutOfRangeIsInfinite) {
+  EXPECT_EQ(Corvane::ToSingle(1e300), std::numeric_limits<float>::infinity());
+  EXPECT_EQ(Corvane::ToSingle(-1e300), -std::numeric_limits<float>::infinity());
+  EXPECT_EQ(Corvane::ToSingle(kInfinite), std::numeric_limits<float>::infinity());
+  EXPECT_TRUE(std::isnan(Corvane::ToSingle(kNan)));
+}
+
+TEST_P(Numbers, DivideInt32CutsTowardZero) {
+  EXPECT_EQ(Corvane::DivideInt32(7, 2), 3);
+  EXPECT_EQ(Corvane::DivideInt32(-7, 2), -3);
+  EXPECT_EQ(Corvane::DivideInt32(6, -3), -2);
+}
+
+TEST_P(Numbers, DivideInt32WithoutAResultIsTheSmallestInteger) {
+  EXPECT_EQ(Corvane::DivideInt32(7, 0), kSmallest);
+  EXPECT_EQ(Corvane::DivideInt32(0, 0), kSmallest);
+  EXPECT_EQ(Corvane::DivideInt32(kSmallest, -1), kSmallest);
+}
+
+// --- The host's locale
+// ------------------------------------------------------------------------------------------------
+
+TEST_P(Numbers, LeaveTheLocaleOfTheHostAlone) {
+  const std::string before = std::setlocale(LC_ALL, nullptr);
+  Corvane::ToDouble("9.90");
+  Corvane::FormatF2(9.9);
+  Corvane::FormatG6(9.9);
+  Corvane::RoundMoney(9.9);
+  EXPECT_EQ(std::string(std::setlocale(LC_ALL, nullptr)), before);
+}
+
+}  // namespace
