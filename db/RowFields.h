@@ -23,7 +23,7 @@ struct RowField {
   void (*Read)(Record& record, const QVariant& value);
 };
 
-/// The ways in which a column's value gets into a field. NULL and a column that the result set doesn't have read as 0,
+/// The ways in which a column's value gets into a field. NULL reads as 0,
 /// false or the empty text; a text that is no number reads as 0.
 template <class Record>
 struct FromColumn {
@@ -49,7 +49,7 @@ struct FromColumn {
 };
 
 /// Reads a result set from its first row to its last: each row fills a new record, which goes to `take`. A column's
-/// place is looked up once.
+/// place is looked up once; a field whose column the result set doesn't have stays as a new record has it.
 ///
 /// @param query a result set as `openRecordset` hands it over.
 template <class Record, std::size_t Size, class Taker>
@@ -61,7 +61,7 @@ void ReadRows(QSqlQuery& query, const RowField<Record> (&fields)[Size], Taker ta
   while (query.next()) {
     Record record;
     for (std::size_t field = 0; field < Size; ++field) {
-      fields[field].Read(record, places[field] < 0 ? QVariant() : query.value(places[field]));
+      if (places[field] >= 0) fields[field].Read(record, query.value(places[field]));
     }
     take(record);
   }

@@ -100,15 +100,21 @@ Element AddRow(const Element& group, const std::string& serialNo, Text pluCode, 
   return data;
 }
 
-void AddLine(const Element& group, const SalePlu& line) {
-  group.Child("Data")
-      .I("SerialNo", line.SerialNo)
+/// What both forms tell of a line first.
+Element AddLineHead(const Element& group, const SalePlu& line) {
+  const Element data = group.Child("Data");
+  data.I("SerialNo", line.SerialNo)
       .Word("PluCode", line.PluCode)
       .F2("Price", line.Price)
       .F4("FinalPrice", line.FinalPrice)
       .F2("PluCount", line.PluCount)
       .F2("DisNum", line.DisNum)
-      .F2("Total", line.Total)
+      .F2("Total", line.Total);
+  return data;
+}
+
+void AddLine(const Element& group, const SalePlu& line) {
+  AddLineHead(group, line)
       .CutI("PackCnt", line.PackCnt)
       .Word("BRD", line.BRD)
       .Word("CAT", line.CAT)
@@ -188,17 +194,8 @@ std::string SaleForm(const ProSale& sale, const std::vector<SalePlu>& lines) {
 
 std::string SingleForm(Text orgCode, const SalePlu& line) {
   const ResultDocument document(line.BillNo, orgCode);
-  document.Sale()
-      .Child("Plu")
-      .Child("Data")
-      .I("SerialNo", line.SerialNo)
-      .Word("PluCode", line.PluCode)
-      .F2("Price", line.Price)
-      .F4("FinalPrice", line.FinalPrice)
-      .F2("PluCount", line.PluCount)
-      .F2("DisNum", line.DisNum)
-      .F2("Total", line.Total)
-      .F2("PackCnt", line.PackCnt);  // with decimals here, a whole number in the Sale form
+  // With decimals here, a whole number in the Sale form.
+  AddLineHead(document.Sale().Child("Plu"), line).F2("PackCnt", line.PackCnt);
   const std::string serialNo = FormatI(line.SerialNo);
   const Element results = document.Sale().Child("ProResult");
   for (const ProResult& row : LastToFirst(line.ProResults)) {

@@ -54,12 +54,17 @@ bool DirectDetail::Holds(std::int32_t serialNo) const {
                      [&](const PluAction& action) { return action.SerialNo == serialNo; });
 }
 
-bool DirectDetail::Load(QnPosDBPro& db, Text billNo, const SalePlu& line) {
+void DirectDetail::LoadRuleDetail(QnPosDBPro& db, Text billNo, const std::vector<SalePlu>& lines) {
+  Clear();
+  for (const SalePlu& line : lines) LoadRowsOf(line, db, billNo);
+}
+
+void DirectDetail::LoadRowsOf(const SalePlu& line, QnPosDBPro& db, Text billNo) {
   QString error;
   QSqlQuery query;
   if (!db.EnsureOpen(error) || !db.openRecordset(SelectOfLine(billNo, line), query, error)) {
     Log(Join("获取普通类促销详情失败", billNo));
-    return false;
+    return;
   }
   Log(Join("获取普通类促销详情成功", billNo));
   ReadRows(query, kColumns, [&](const DirectRow& row) {
@@ -70,7 +75,6 @@ bool DirectDetail::Load(QnPosDBPro& db, Text billNo, const SalePlu& line) {
     m_conditions.push_back({head, row.SaleCount, 0, row.TradeMaxCount});
     m_actions.push_back({head, row.DscType, 0, row.DscPrice, PercentKept(row.DscRate)});
   });
-  return true;
 }
 
 const PluAction& DirectDetail::ActionOf(const ProDetailKey& condition) const {

@@ -6,6 +6,7 @@
 
 #include "db/QnPosDBPro.h"
 #include "rule/RuleRows.h"
+#include "sale/ProSale.h"
 #include "sale/SaleRecords.h"
 
 namespace Corvane {
@@ -16,9 +17,10 @@ class DirectDetail {
  public:
   void Clear();
 
-  /// Reads the rows that name the line's goods, category or brand. A row that several lines hit is kept once, by its
-  /// `SerialNo`. @return false when the database doesn't answer; the log then names the rule.
-  bool Load(QnPosDBPro& db, Text billNo, const SalePlu& line);
+  /// Empties the rows and reads those that name the goods, category or brand of one of the lines. A row that several
+  /// lines hit is kept once, by its `SerialNo`. A line for which the database doesn't answer has no rows; the log then
+  /// names the rule, and the other lines go on.
+  void LoadRuleDetail(QnPosDBPro& db, Text billNo, const std::vector<SalePlu>& lines);
 
   const std::vector<PluCondition>& Conditions() const { return m_conditions; }
 
@@ -29,10 +31,18 @@ class DirectDetail {
   const PluCondition& ConditionOf(const ProDetailKey& head) const;
 
  private:
+  void LoadRowsOf(const SalePlu& line, QnPosDBPro& db, Text billNo);
   bool Holds(std::int32_t serialNo) const;
 
   std::vector<PluCondition> m_conditions;
   std::vector<PluAction> m_actions;
+};
+
+/// What the discount of a row takes along in the rules that work on the whole sale.
+struct DirectWork {
+  ProSale& Sale;
+  std::vector<SalePlu>& Changed;  ///< receives copies of the lines as they are discounted
+  Text VipType;                   ///< member type, empty for none
 };
 
 /// Whether a class row names the line: a "CAT" row by the line's category, a "BRD" row by its brand. No other class

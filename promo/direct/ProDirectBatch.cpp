@@ -39,16 +39,11 @@ LinePtrs LinesWhere(const LinePtrs& lines, Predicate predicate) {
 
 void ProDirectBatch::InitRule(Text xml) { ReadRule(xml, *this); }
 
-void ProDirectBatch::LoadRuleDetail(const ProSale& sale) {
-  m_detail.Clear();
-  for (const SalePlu& line : sale.Plus) m_detail.Load(m_db, Info.BillNo, line);
-}
-
 void ProDirectBatch::CalcRule(ProSale& sale, std::vector<SalePlu>& changed) {
   Log(Join("促销单限制类型：", Info.MaxYhType));
   if (!CheckBaseCondition(sale)) return;
-  LoadRuleDetail(sale);
-  const RowWork work{sale, changed, MemberText(sale)};
+  m_detail.LoadRuleDetail(m_db, Info.BillNo, sale.Plus);  // nothing changes the lines meanwhile
+  const DirectWork work{sale, changed, MemberText(sale)};
   const SplitRows rows(m_detail.Conditions());
   const LinePtrs single = SelectSingleLines(sale.Plus);
   if (single.empty()) return;
@@ -60,14 +55,14 @@ void ProDirectBatch::CalcRule(ProSale& sale, std::vector<SalePlu>& changed) {
   LimitByMaxDiscount(Info, sale);
 }
 
-void ProDirectBatch::DiscountByGoods(const RowPtrs& rows, const LinePtrs& pool, const RowWork& work) {
+void ProDirectBatch::DiscountByGoods(const RowPtrs& rows, const LinePtrs& pool, const DirectWork& work) {
   for (const ProDetailKey* row : LastToFirst(rows)) {
     const LinePtrs lines = LinesWhere(pool, [&](const SalePlu& line) { return Same(line.PluCode, row->PluCode); });
     DiscountByRow(*row, lines, 0, CountOpenQuantity, work);
   }
 }
 
-void ProDirectBatch::DiscountByClass(const SplitRows& rows, const LinePtrs& pool, const RowWork& work) {
+void ProDirectBatch::DiscountByClass(const SplitRows& rows, const LinePtrs& pool, const DirectWork& work) {
   const LinePtrs allowed = SelectOutsideLines(rows.ClassNot, pool, "");
   if (allowed.empty()) return;
   for (const ProDetailKey* row : LastToFirst(rows.ClassIn)) {
@@ -82,7 +77,7 @@ void ProDirectBatch::DiscountByClass(const SplitRows& rows, const LinePtrs& pool
 
 template <class CountedQuantity>
 void ProDirectBatch::DiscountByRow(const ProDetailKey& row, const LinePtrs& lines, double applied,
-                                   CountedQuantity counted, const RowWork& work) {
+                                   CountedQuantity counted, const DirectWork& work) {
   const PluCondition& condition = m_detail.ConditionOf(row);
   const auto discount = [&](SalePlu& line) {
     return ApplyLineDiscount(m_detail.ActionOf(row), condition.LimitNum, line, applied, Info, work.Changed,

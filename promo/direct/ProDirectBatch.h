@@ -24,19 +24,11 @@ class ProDirectBatch : public ProBase {
   void CalcRule(ProSale& sale, std::vector<SalePlu>& changed);
 
  private:
-  /// What a row's discount takes along.
-  struct RowWork {
-    ProSale& Sale;
-    std::vector<SalePlu>& Changed;
-    Text VipType;
-  };
-
-  void LoadRuleDetail(const ProSale& sale);
-  void DiscountByGoods(const RowPtrs& rows, const LinePtrs& pool, const RowWork& work);
-  void DiscountByClass(const SplitRows& rows, const LinePtrs& pool, const RowWork& work);
+  void DiscountByGoods(const RowPtrs& rows, const LinePtrs& pool, const DirectWork& work);
+  void DiscountByClass(const SplitRows& rows, const LinePtrs& pool, const DirectWork& work);
   template <class CountedQuantity>
   void DiscountByRow(const ProDetailKey& row, const LinePtrs& lines, double applied, CountedQuantity counted,
-                     const RowWork& work);
+                     const DirectWork& work);
 
   DirectDetail m_detail;
   QnPosDBPro m_db;

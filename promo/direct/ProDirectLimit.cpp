@@ -14,13 +14,10 @@ namespace Corvane {
 
 void ProDirectLimit::InitRule(Text xml) { ReadRule(xml, *this); }
 
-bool ProDirectLimit::LoadRuleDetail(Text billNo, const SalePlu& line) { return m_detail.Load(m_db, billNo, line); }
-
 void ProDirectLimit::CalcRule(ProSale& sale, std::vector<SalePlu>& lines, std::vector<SalePlu>& changed) {
   m_detail.Clear();
   if (!CheckBaseCondition(sale)) return;
-  // A line whose rows can't be read gets nothing; the others go on. Nothing changes the lines while rows are read.
-  for (const SalePlu& line : lines) LoadRuleDetail(Info.BillNo, line);
+  m_detail.LoadRuleDetail(m_db, Info.BillNo, lines);  // nothing changes the lines meanwhile
   for (SalePlu& line : lines) CalcRuleOnLine(sale, line, changed);
   // This type enforces its ceiling without announcing it in the log.
   LimitByMaxDiscount(Info, sale, LimitLog::Unannounced);

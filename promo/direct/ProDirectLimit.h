@@ -40,7 +40,6 @@ class ProDirectLimit : public ProBase {
     Text VipType;
   };
 
-  bool LoadRuleDetail(Text billNo, const SalePlu& line);
   bool DiscountByGoods(const RowPtrs& rows, const LineWork& work);
   void DiscountByClass(const RowPtrs& rows, const LineWork& work);
   bool DiscountByRow(const ProDetailKey& row, Text word, const LineWork& work);

@@ -56,15 +56,10 @@ std::optional<UnitGain> GainByAction(const PluAction& action, const SalePlu& lin
 
 void ProDirectOs::InitRule(Text xml) { ReadRule(xml, *this); }
 
-void ProDirectOs::LoadRuleDetail(const ProSale& sale) {
-  m_detail.Clear();
-  for (const SalePlu& line : sale.Plus) m_detail.Load(m_db, Info.BillNo, line);
-}
-
 void ProDirectOs::CalcRule(ProSale& sale, std::vector<SalePlu>& changed) {
   if (!CheckBaseCondition(sale)) return;
-  LoadRuleDetail(sale);
-  const RowWork work{sale, changed, MemberText(sale)};
+  m_detail.LoadRuleDetail(m_db, Info.BillNo, sale.Plus);  // nothing changes the lines meanwhile
+  const DirectWork work{sale, changed, MemberText(sale)};
   const LinePtrs pool = SelectRowLines(SelectSingleLines(sale.Plus), sale);
   if (pool.empty()) return;
   for (const PluCondition& condition : LastToFirst(m_detail.Conditions())) {
@@ -91,7 +86,7 @@ LinePtrs ProDirectOs::SelectRowLines(const LinePtrs& lines, const ProSale& sale)
   return pool;
 }
 
-void ProDirectOs::DiscountByRow(const PluCondition& condition, const LinePtrs& pool, const RowWork& work) {
+void ProDirectOs::DiscountByRow(const PluCondition& condition, const LinePtrs& pool, const DirectWork& work) {
   SetCount count;
   for (SalePlu* line : pool) {
     if (!Same(line->PluCode, condition.PluCode)) continue;
@@ -110,7 +105,7 @@ void ProDirectOs::DiscountByRow(const PluCondition& condition, const LinePtrs& p
 /// @param left sets that the rule's limit by quantity still allows.
 /// @return false when the row's price is no gain on this line.
 bool ProDirectOs::ApplyOsDiscount(const PluCondition& condition, SalePlu& line, SetCount& count, double left,
-                                  const RowWork& work) const {
+                                  const DirectWork& work) const {
   const PluAction& action = m_detail.ActionOf(condition);
   const GivenBack earlier = GivenBackOn(line, Info);
   const double units = count.Carry + line.PluCount - earlier.Quantity;

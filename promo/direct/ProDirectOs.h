@@ -25,13 +25,6 @@ class ProDirectOs : public ProBase {
   void CalcRule(ProSale& sale, std::vector<SalePlu>& changed);
 
  private:
-  /// What a row's discount takes along.
-  struct RowWork {
-    ProSale& Sale;
-    std::vector<SalePlu>& Changed;
-    Text VipType;
-  };
-
   /// Units and sets of one row, running across the lines.
   struct SetCount {
     double Sum = 0;      ///< units met so far
@@ -39,11 +32,10 @@ class ProDirectOs : public ProBase {
     double Applied = 0;  ///< sets given so far
   };
 
-  void LoadRuleDetail(const ProSale& sale);
   LinePtrs SelectRowLines(const LinePtrs& lines, const ProSale& sale) const;
-  void DiscountByRow(const PluCondition& condition, const LinePtrs& pool, const RowWork& work);
+  void DiscountByRow(const PluCondition& condition, const LinePtrs& pool, const DirectWork& work);
   bool ApplyOsDiscount(const PluCondition& condition, SalePlu& line, SetCount& count, double left,
-                       const RowWork& work) const;
+                       const DirectWork& work) const;
 
   DirectDetail m_detail;
   QnPosDBPro m_db;

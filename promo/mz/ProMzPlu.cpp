@@ -5,10 +5,10 @@
 #include <optional>
 
 #include "base/Walk.h"
-#include "db/RowFields.h"
 #include "engine/Log.h"
 #include "promo/DetailQuery.h"
 #include "promo/Statement.h"
+#include "promo/mz/TierColumns.h"
 #include "promo/mz/TierGift.h"
 #include "promo/mz/Tiers.h"
 #include "rule/EligibleQuantity.h"
@@ -19,21 +19,6 @@
 namespace Corvane {
 
 namespace {
-
-using Column = FromColumn<PluAddAction>;
-constexpr RowField<PluAddAction> kColumns[] = {
-    {"SerialNo", Column::Integer<&PluAddAction::SerialNo>},
-    {"PluCode", Column::KeptText<&PluAddAction::PluCode>},
-    {"PluType", Column::KeptText<&PluAddAction::PluType>},
-    {"BaseConType", Column::KeptText<&PluAddAction::BaseConTp>},
-    {"BaseConNum", Column::Double<&PluAddAction::BaseConNum>},
-    {"BaseDscType", Column::KeptText<&PluAddAction::BaseDscTp>},
-    {"BaseDscNum", Column::Double<&PluAddAction::BaseDscNum>},
-    {"AddConNum", Column::Double<&PluAddAction::AddConNum>},
-    {"AddDscNum", Column::Double<&PluAddAction::AddDscNum>},
-    {"SaleMaxIn", Column::Double<&PluAddAction::SaleMaxIn>},
-    {"DataId", Column::KeptText<&PluAddAction::DataId>},
-};
 
 QString SelectOfLine(Text billNo, const SalePlu& line) {
   return Statement(
@@ -72,7 +57,7 @@ bool ProMzPlu::LoadRuleDetail(Text billNo, const std::vector<SalePlu>& lines, QS
 bool ProMzPlu::LoadTiersOfLine(Text billNo, const SalePlu& line, QString& error) {
   QSqlQuery query;
   if (!OpenDetail(m_db, SelectOfLine(billNo, line), query, error)) return false;
-  ReadRows(query, kColumns, [&](PluAddAction& tier) {
+  ReadRows(query, kGoodsTierColumns, [&](PluAddAction& tier) {
     tier.BillNo = billNo;
     tier.Index = static_cast<std::int32_t>(m_tiers.size());
     if (!Holds(tier)) m_tiers.push_back(tier);

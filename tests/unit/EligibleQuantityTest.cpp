@@ -368,7 +368,8 @@ TEST_F(CalcCount, LogsWithRoomForAllThatRemains) {
 TEST_F(CalcCount, LogsWhatRemainsWhereTheLimitIsReturned) {
   const Lines lines = {LineWith(5, {}), Holding(-3)};
   GetCalcCount(lines[0], Limited("PTXS", 4), lines);
-  EXPECT_EQ(Logged().back(), "可计算数量：5");
+  EXPECT_EQ(Logged(), (Entries{"促销优惠类型：2", "促销类型：PTXS", "类型为2", "11111", "计算整单已优惠数量：-3",
+                               "可计算数量：5"}));
 }
 
 TEST_F(CalcCount, LogsEachRowOfTheRuleAndNoQuantityWhereTheRoomDecides) {

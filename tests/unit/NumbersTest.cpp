@@ -307,11 +307,11 @@ TEST_P(Numbers, PrintsAsOneComparesThePrintedForm) {
 }
 
 // trunc((x * 1000 + 5) / 10) / 100: 3.335 -> 3340 / 10 -> 334. Below zero the half cent pulls toward zero, so that
-// -3.33 -> -3325 / 10 -> -332.
+// -3.33 -> -3325 / 10 -> -332. 0.145 lies just below, and yet 0.145 * 1000 comes out as 145: 150 / 10 -> 15.
 TEST_P(Numbers, CutToCentsAddsHalfACentAndCutsTowardZero) {
-  const NumberRow rows[] = {{0, 0},          {3.33, 3.33},   {10.0 / 3, 3.33}, {3.334, 3.33},
-                            {3.335, 3.34},   {0.005, 0.01},  {0.0049, 0},      {-0.005, 0},
-                            {-0.015, -0.01}, {-3.33, -3.32}, {-3.335, -3.33},  {-10.0 / 3, -3.32}};
+  const NumberRow rows[] = {{0, 0},         {3.33, 3.33},    {10.0 / 3, 3.33},  {3.334, 3.33}, {3.335, 3.34},
+                            {0.145, 0.15},  {0.005, 0.01},   {0.0049, 0},       {-0.005, 0},   {-0.015, -0.01},
+                            {-3.33, -3.32}, {-3.335, -3.33}, {-10.0 / 3, -3.32}};
   ExpectEach(Corvane::CutToCents, rows);
 }
 

@@ -218,10 +218,20 @@ TEST(XmlAttributes, AHugeNumberOfThemTakesNoTime) {
 // --------------------------------------------------------------------------------------
 
 TEST(XmlAsides, ThatLookLikeMarkupAreSteppedOver) {
-  const Text asides[] = {"<!-- <D a='1' a='2'/> -->", "<!-- don't -->",    "<!-- \" -->",
-                         "<!-- > -- -> ' -->",        "<!---->",           "<![CDATA[<D a='1' a='2'/>]]>",
-                         "<![CDATA[ ]] > ' \" ]]>",   "<![CDATA[]]>",      "<?pi a='1' a='2'?>",
-                         "it's \"text\" a='1' a='2'", "&amp; &unknown; &", "<!ELEMENT Sale ANY>"};
+  const Text asides[] = {"<!-- <D a='1' a='2'/> -->",
+                         "<!-- don't -->",
+                         "<!-- \" -->",
+                         "<!-- > -- -> ' -->",
+                         "<!-- > <D a=' -->",
+                         "<![CDATA[ > <D a=\" ]]>",
+                         "<!---->",
+                         "<![CDATA[<D a='1' a='2'/>]]>",
+                         "<![CDATA[ ]] > ' \" ]]>",
+                         "<![CDATA[]]>",
+                         "<?pi a='1' a='2'?>",
+                         "it's \"text\" a='1' a='2'",
+                         "&amp; &unknown; &",
+                         "<!ELEMENT Sale ANY>"};
   for (const Text aside : asides) {
     SCOPED_TRACE(aside);
     const auto document = Parse(std::string("<S><D a='1' a='2'/>") + aside + "<D a='3' a='4'/></S>");
