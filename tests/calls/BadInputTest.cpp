@@ -279,8 +279,8 @@ TEST_F(BadInput, RuleTextsOfGarbageLoadUnderEveryType) {
       "<Rules>text</Rules>",
       "\xFF\xFE\xFD",
       "<Rules><Rule><OrgFilter>x</OrgFilter><ProTime>y</ProTime><Vip/></Rule></Rules>",
-      "<Rules><Rule><ProList/><ProList><PluAddAction/></ProList><PluAction/>"
-      "<ProCtr/><CardNoFilter/><PluCondition/></Rule></Rules>",
+      "<Rules><Rule><ProList/><ProList><PluAddAction/></ProList><PluAction/><ProCtr/><CardNoFilter/></Rule></Rules>",
+      "<Rules><Rule><PluCondition/></Rule></Rules>",
       "<Rules>" + Repeat("<Rule/>", 5000) + "</Rules>"};
   const std::string sale = SaleXml(LineXml(1, "COLA", "10", "3", "30"));
   for (const std::string& type : AllTypes()) {

@@ -426,7 +426,7 @@ TEST_F(Modes, ALineThatIsScannedAgainStartsAgain) {
 
 TEST_F(Modes, MzPromotionTwiceWithoutAnAllBetweenGivesItsReductionOnce) {
   Sql("insert into tpromzlist values ('M1','1','ALL','ALL',0,'0');"
-      "insert into tProMzDiscountAct values ('M1','1','PRC',30,5,0,0,0)");
+      "insert into tProMzDiscountAct values ('M1','1','PRC',10,5,1000,0,0)");
   LoadRule("MZMJ", "M1");
   Run("All", SaleXml(LineXml(1, "COLA", "10", "3", "30")));
 

@@ -190,6 +190,22 @@ TEST_F(ResultWriting, DiscountsAreNumberedOverAllLinesTheLastLinesLastOneFirst) 
   }
 }
 
+TEST_F(ResultWriting, WhatBelongsToTheWholeSaleFollowsTheLinesTheLastFirst) {
+  const std::string groups = R"(<ProCtr><Row PayType="CARD" PriceTotal="1000"/></ProCtr>)"
+                             R"(<PluAction><Row DisPrice="10" DisRate="9"/></PluAction>)";
+  ASSERT_EQ(Load("MZZF", RuleXml("F1", "MZZF", R"(JzDate="2026-06-01")", groups)).Code, 0);
+  ASSERT_EQ(Load("MZZF", RuleXml("F2", "MZZF", R"(JzDate="2026-01-01")", groups)).Code, 0);
+
+  const std::string result = Run(
+      "Pay", SaleXml(LineXml(1, "COLA", "100", "1", "100"), R"(<PayMode><D PayMode="CARD" PayMoney="10"/></PayMode>)"));
+
+  std::vector<std::string> rows;
+  for (const Row& row : RowsOf(result, "ProResult")) {
+    rows.push_back(row["SerialNo"] + " " + row["PluCode"] + " " + row["ProBillNo"] + " " + row["RowID"]);
+  }
+  EXPECT_THAT(rows, ElementsAre("1 COLA F2 1", "2 COLA F1 1", "0 * F2 (absent)", "0 * F1 (absent)"));
+}
+
 // --- Numbers ---------------------------------------------------------------------------------------------------------
 
 TEST_F(ResultWriting, MoneyHasTwoDecimalsHalvesToEven) {

@@ -6,7 +6,6 @@ namespace Corvane::Testing {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 /// Rules of different families and stacking classes on one line: who sees what as taken.
 class Stacking : public Till {
@@ -101,6 +100,20 @@ TEST_F(Stacking, AnExclusiveReductionClosesTheMoneyOfItsLinesToOtherReductions) 
 
   // The exclusive rule worked on all 30.00, more than the 25.00 left: nothing is open.
   EXPECT_THAT(DiscountsOf(Run("MzPromotion", ThreeColas())), ElementsAre("1 COLA: MX on 3.00 gives 5.00"));
+}
+
+TEST_F(Stacking, TheMoneyOfAnOrdinaryReductionIsClosedToOrdinaryOnesAndOpenToExtraOnes) {
+  Sql("insert into tpromzlist values ('M1','1','ALL','ALL',0,'0'),('M2','1','ALL','ALL',0,'0'),"
+      "('ME','1','ALL','ALL',0,'0');"
+      "insert into tProMzDiscountAct values ('M1','1','PRC',10,5,1000,0,0),('M2','1','PRC',1,2,1000,0,0),"
+      "('ME','1','PRC',25,3,1000,0,0)");
+  LoadRule("MZMJ", "M1", R"(Primary="PT" JzDate="2026-06-01")");
+  LoadRule("MZMJ", "M2", R"(Primary="PT" JzDate="2026-01-01")");
+  LoadRule("MZMJ", "ME", R"(Primary="DJ")");
+
+  const std::string sale = Run("MzPromotion", ThreeColas());
+
+  EXPECT_THAT(DiscountsOf(sale), ElementsAre("1 COLA: M1 on 3.00 gives 5.00", "1 COLA: ME on 3.00 gives 3.00"));
 }
 
 // --- Cents -----------------------------------------------------------------------------------------------------------

@@ -130,6 +130,15 @@ TEST_F(TimeLimit, AReductionAboveThePriceGivesNothing) {
   EXPECT_THAT(DiscountsOf(sale.Out), IsEmpty());
 }
 
+TEST_F(TimeLimit, AReductionThatFallsShortByAWholeCentGivesNothing) {
+  Put({DirectRow("X1", 1, "LEAFLET").MoneyOff("0.01"), DirectRow("X1", 2, "BAG").MoneyOff("0.009")});
+  LoadRule("X1");
+
+  const Answer sale = Sell(LineXml(1, "LEAFLET", "0", "1", "0") + LineXml(2, "BAG", "0", "1", "0"));
+
+  EXPECT_THAT(DiscountsOf(sale.Out), ElementsAre("2 BAG: X1 on 1.00 gives 0.01"));
+}
+
 TEST_F(TimeLimit, AnUnknownKindOfPriceLeavesTheLineAloneAndWritesARowOfNothing) {
   Put({DirectRow("X1", 1, "COLA").Dsc("prc", "8", "0")});
   LoadRule("X1");
@@ -319,6 +328,15 @@ TEST_F(TimeLimit, WhatAnotherRuleTookOnEarlierLinesCountsTowardTheTradesMaximum)
 
   // X1 takes two on line 1; on line 2 both rules find their two used up, though X2 has given nothing.
   EXPECT_THAT(DiscountsOf(sale.Out), ElementsAre("1 COLA: X1 on 2.00 gives 4.00"));
+}
+
+TEST_F(TimeLimit, ARowWhoseMaximumIsUsedUpLeavesTheLineToTheOtherRows) {
+  Put({DirectRow("X1", 1, "COLA").Price("9"), DirectRow("X1", 2, "COLA").Price("8").AtMost("1")});
+  LoadRule("X1");
+
+  const Answer sale = Sell(LineXml(1, "COLA", "10", "1", "10") + LineXml(2, "COLA", "10", "2", "20"));
+
+  EXPECT_THAT(DiscountsOf(sale.Out), ElementsAre("1 COLA: X1 on 1.00 gives 2.00", "2 COLA: X1 on 2.00 gives 2.00"));
 }
 
 TEST_F(TimeLimit, ACategorysMaximumHoldsForEachLineByItself) {
@@ -521,6 +539,16 @@ TEST_F(TimeLimit, ALimitByQuantityRunsOverAllGoodsOfTheRule) {
 
   // On line 2 the rule has room for 4 - 3 = 1.
   EXPECT_THAT(DiscountsOf(sale.Out), ElementsAre("1 FANTA: X1 on 3.00 gives 6.00", "2 COLA: X1 on 1.00 gives 2.00"));
+}
+
+TEST_F(TimeLimit, ALimitByQuantityCountsTheRulesOwnDiscountsAmongThoseOfOthers) {
+  Put({DirectRow("X1", 1, "COLA").Price("9").AtMost("1"), DirectRow("X2", 1, "COLA").Price("8").AtMost("0")});
+  LoadRule("X1", R"(JzDate="2026-06-01")");
+  LoadRule("X2", R"(JzDate="2026-01-01" MaxYhType="2" MaxYhValue="2")");
+
+  const Answer sale = Sell(LineXml(1, "COLA", "10", "3", "30") + LineXml(2, "COLA", "10", "3", "30"));
+
+  EXPECT_THAT(DiscountsOf(sale.Out), ElementsAre("1 COLA: X1 on 1.00 gives 1.00", "1 COLA: X2 on 2.00 gives 4.00"));
 }
 
 TEST_F(TimeLimit, ARuleAtItsLimitByQuantityGivesNothingMore) {
