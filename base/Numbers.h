@@ -63,8 +63,7 @@ double CeilSingle(double value);
 /// A share of money in cents: CeilSingle(x * 100 - 0.5) / 100.
 double CeilToCents(double value);
 
-// --- Conversions that C++ leaves undefined out of range
-// ---------------------------------------------------------------
+// --- Conversions that C++ leaves undefined out of range --------------------------------------------------------------
 
 /// Cut toward zero into 32 bits. Out of range and NaN give the smallest integer.
 std::int32_t TruncToInt32(double value);

@@ -131,6 +131,20 @@ TEST_F(Batch, ForACategoryTheWholeLineCountsTowardTheMinimum) {
   EXPECT_THAT(LinesOf(sale.Out), ElementsAre("1 COLA 5.00 x 10.00 = 39.00"));
 }
 
+TEST_F(Batch, ALineThatIsTakenWholeIsPassedOver) {
+  Put({DirectRow("X1", 1, "COLA").Price("8").AtMost("2"), DirectRow("X1", 2, "SOAP").Price("8").AtMost("2"),
+       DirectRow("P1", 1, "COLA").Price("7").SaleCount("3"),
+       DirectRow("P1", 2, "ACME", "BRD").Price("7").SaleCount("3")});
+  ASSERT_EQ(Load("PTXS", RuleXml("X1", "PTXS", R"(JzDate="2026-06-01")")).Code, 0);
+  LoadRule("P1");
+
+  const Answer sale = Sell(LineXml(1, "COLA", "10", "2", "20") + LineXml(2, "SOAP", "10", "2", "20", R"(BRD="ACME")") +
+                           LineXml(3, "COLA", "10", "3", "30") + LineXml(4, "SOAP", "10", "3", "30", R"(BRD="ACME")"));
+
+  EXPECT_THAT(DiscountsOf(sale.Out), ElementsAre("1 COLA: X1 on 2.00 gives 4.00", "2 SOAP: X1 on 2.00 gives 4.00",
+                                                 "3 COLA: P1 on 3.00 gives 9.00", "4 SOAP: P1 on 3.00 gives 9.00"));
+}
+
 TEST_F(Batch, ALineThatCannotGetCheaperEndsItsRowAndTheWaitingLinesAreServed) {
   Put({DirectRow("P1", 1, "COLA").Price("8").SaleCount("2")});
   LoadRule("P1");

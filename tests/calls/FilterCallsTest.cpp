@@ -276,8 +276,7 @@ TEST_F(Filters, ThePaymentsCardNumberIsNotTested) {
             kPassed);
 }
 
-// --- Rows of several rule elements, steps of payment rules
-// ------------------------------------------------------------
+// --- Rows of several rule elements, steps of payment rules -----------------------------------------------------------
 
 TEST_F(Filters, FilterRowsOfAllRuleElementsAddUp) {
   const std::string rule = R"(<Rules><Rule BillNo="X1" ProType="PTXS" ProMode="PT" Primary="PT" Remark="">)" +

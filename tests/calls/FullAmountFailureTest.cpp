@@ -251,8 +251,7 @@ TEST_F(GiftFailure, StandingOffersStay) {
   EXPECT_EQ(Held(Calculate(), "ProGifts", "ProBillNo"), Texts{"G1"});
 }
 
-// --- Single-item giving
-// ------------------------------------------------------------------------------------------------
+// --- Single-item giving ----------------------------------------------------------------------------------------------
 
 class GivingFailure : public FullAmountFailure {
  protected:
@@ -294,8 +293,7 @@ TEST_F(GivingFailure, TheNextSaleWorks) {
   EXPECT_EQ(Held(Calculate(), "ProResult", "DisMoney"), Texts{"10.00"});
 }
 
-// --- Goods free
-// --------------------------------------------------------------------------------------------------------
+// --- Goods free ------------------------------------------------------------------------------------------------------
 
 constexpr const char* kFreeQuery =
     "select SerialNo,PluCode,BaseConType,BaseConNum,BaseDscType,BaseDscNum,AddConNum,AddDscNum,SaleMaxIn from "
@@ -363,8 +361,7 @@ TEST_F(FreeFailure, ThePriceColumnIsNotNeeded) {
   EXPECT_EQ(Held(Calculate(), "ProResult", "DisMoney"), Texts{"10.00"});
 }
 
-// --- Any of them
-// -------------------------------------------------------------------------------------------------------
+// --- Any of them -----------------------------------------------------------------------------------------------------
 
 // No table is there at all: four failures, and the sale comes out as it went in.
 TEST_F(FullAmountFailure, AStoreWithoutTables) {

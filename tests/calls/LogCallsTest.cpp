@@ -252,6 +252,24 @@ TEST_F(WholeLog, OfATimeLimitInAll) {
                           "促销优惠类型：", "促销类型：PTXS", "计算整单已优惠数量：0"));
 }
 
+TEST_F(WholeLog, OfAnExclusiveTimeLimitThatMeetsTheSaleTwice) {
+  Put({DirectRow("R1", 1, "COLA").Price("8")});
+  LoadRule("PTXS", R"(Primary="DZ")");
+
+  // The second visit asks once what is open, finds nothing and goes.
+  EXPECT_THAT(Story("All", SaleXml(LineXml(1, "COLA", "10", "3", "30"))),
+              ElementsAre("All", "till:1\n", "开始初始化流水", "初始化流水完成", "计算模式为ALL时",  //
+                          "时间满足", "组织满足", "会员满足", "所有基本条件都被判断过，满足",        //
+                          "获取普通类促销详情成功R1",                                                //
+                          "开始计算普通限时促销，促销单号：R1", "1",                                 //
+                          "促销优惠类型：", "促销类型：PTXS", "计算整单已优惠数量：0", "2",          //
+                          "促销优惠类型：", "促销类型：PTXS", "计算整单已优惠数量：0",               //
+                          "时间满足", "组织满足", "会员满足", "所有基本条件都被判断过，满足",        //
+                          "获取普通类促销详情成功R1",                                                //
+                          "开始计算普通限时促销，促销单号：R1", "1",                                 //
+                          "促销优惠类型：", "促销类型：PTXS", "计算整单已优惠数量：0", "2"));
+}
+
 TEST_F(WholeLog, OfATimeLimitInSingle) {
   LoadRule("PTXS");
 

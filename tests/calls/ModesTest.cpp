@@ -451,6 +451,41 @@ TEST_F(Modes, WhatBelongsToTheWholeSaleClosesItToOrdinaryFullAmountRulesButNotTo
                                                  "1 COLA: ME on 6.00 gives 3.00"));
 }
 
+TEST_F(Modes, WhatAnExclusiveRuleDidToTheWholeSaleClosesItToEveryFullAmountRule) {
+  Sql("insert into tpromzlist values ('ME','1','ALL','ALL',0,'0');"
+      "insert into tProMzDiscountAct values ('ME','1','PRC',10,3,1000,0,0)");
+  LoadRule("MZZF", "F1", R"(Primary="DZ")", kCardGroups);
+  LoadRule("MZMJ", "ME", R"(Primary="DJ")");
+  Run("Pay", SaleXml(LineXml(1, "COLA", "10", "6", "60"), kPaidByCard));
+
+  EXPECT_THAT(DiscountsOf(Run("MzPromotion", R"(<Sale IsCalc="0"/>)").Out),
+              ElementsAre("*: F1 on 45.00 gives 5.00", "1 COLA: F1 on 0.00 gives 5.00"));
+}
+
+TEST_F(Modes, WhatARuleOfTheSameNumberDidToTheWholeSaleClosesItToTheRule) {
+  Sql("insert into tpromzlist values ('F1','1','ALL','ALL',0,'0');"
+      "insert into tProMzDiscountAct values ('F1','1','PRC',10,3,1000,0,0)");
+  LoadRule("MZZF", "F1", R"(Primary="DJ")", kCardGroups);
+  Run("Pay", SaleXml(LineXml(1, "COLA", "10", "6", "60"), kPaidByCard));
+  LoadRule("MZMJ", "F1", R"(Primary="DJ")");
+
+  EXPECT_THAT(DiscountsOf(Run("MzPromotion", R"(<Sale IsCalc="0"/>)").Out),
+              ElementsAre("*: F1 on 45.00 gives 5.00", "1 COLA: F1 on 0.00 gives 5.00"));
+}
+
+TEST_F(Modes, DiscountsOutliveTheirRule) {
+  Put({DirectRow("X1", 1, "COLA").Price("8")});
+  LoadRule("PTXS", "X1");
+  Run("All", SaleXml(LineXml(1, "COLA", "10", "3", "30")));
+  ASSERT_EQ(Clear("*").Code, 0);
+  LoadRule("MZMJ", "OTHER");
+
+  const std::string sale = Run("MzPromotion", "<Sale/>").Out;
+
+  EXPECT_THAT(DiscountsOf(sale), ElementsAre("1 COLA: X1 on 3.00 gives 6.00"));
+  EXPECT_EQ(RowWhere(sale, "ProResult", "ProBillNo", "X1")["ProType"], "PTXS");
+}
+
 TEST_F(Modes, ACouponGivingRuleRunsInMzPromotionHoweverItWasLoaded) {
   ASSERT_EQ(Load("MZYQ", RuleXml("Q1", "MZZQ", "", R"(<ProList ConAreaType="ALL"/>)")).Code, 0);
   TakeLog();

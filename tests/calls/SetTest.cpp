@@ -95,6 +95,13 @@ TEST_F(Set, EachGoodsMakesItsOwnSets) {
   EXPECT_THAT(DiscountsOf(sale.Out), ElementsAre("3 NUTS: S1 on 1.00 gives 8.00"));
 }
 
+TEST_F(Set, ASetOfOneIsEveryPiece) {
+  Put({DirectRow("S1", 1, "BAR").Price("1").SaleCount("1")});
+  LoadRule("S1");
+
+  EXPECT_THAT(DiscountsOf(Sell(LineXml(1, "BAR", "10", "3", "30")).Out), ElementsAre("1 BAR: S1 on 3.00 gives 27.00"));
+}
+
 TEST_F(Set, ASetNeedNotBeAWholeNumber) {
   Put({DirectRow("S1", 1, "BAR").Price("1").SaleCount("2.5")});
   LoadRule("S1");
@@ -172,11 +179,12 @@ TEST_F(Set, ARateIsTakenOfTheListPriceAndComesOffThePricePaid) {
   EXPECT_THAT(LinesOf(Sell(LineXml(1, "BAR", "10", "2", "18")).Out), ElementsAre("1 BAR 2.00 x 10.00 = 14.00"));
 }
 
-TEST_F(Set, ARateThatKeepsMoreThanThePricePaidGivesNothing) {
+TEST_F(Set, ARateThatKeepsThePricePaidOrMoreGivesNothing) {
   Put({DirectRow("S1", 1, "BAR").PercentOff("50").SaleCount("2")});
   LoadRule("S1");
 
   EXPECT_THAT(DiscountsOf(Sell(LineXml(1, "BAR", "20", "2", "18")).Out), IsEmpty());
+  EXPECT_THAT(DiscountsOf(Sell(LineXml(1, "BAR", "18", "2", "18")).Out), IsEmpty());
 }
 
 TEST_F(Set, AnyOtherKindOfPriceWritesARowAndLeavesTheLineAlone) {
@@ -239,6 +247,14 @@ TEST_F(Set, OfTwoRowsForTheGoodsTheLastOneActs) {
   LoadRule("S1");
 
   EXPECT_THAT(DiscountsOf(Sell(LineXml(1, "BAR", "10", "5", "50")).Out), ElementsAre("1 BAR: S1 on 1.00 gives 6.00"));
+}
+
+TEST_F(Set, ALineThatTwoRowsNameIsCountedOnceByEach) {
+  Put({DirectRow("S1", 1, "BAR").Price("1").SaleCount("2"), DirectRow("S1", 2, "BAR").Price("4").SaleCount("4")});
+  LoadRule("S1");
+
+  // Three bars make no set of four.
+  EXPECT_THAT(DiscountsOf(Sell(LineXml(1, "BAR", "10", "3", "30")).Out), ElementsAre("1 BAR: S1 on 1.00 gives 9.00"));
 }
 
 // --- Two rules, limits, members --------------------------------------------------------------------------------------

@@ -54,6 +54,16 @@ TEST_F(TimeLimit, ASetPriceAtTheLinesOwnPriceGivesNothing) {
   EXPECT_THAT(SharesOf(sale.Out), IsEmpty());
 }
 
+TEST_F(TimeLimit, ASetPriceBelowByLessThanHalfACentWritesARowOfNothing) {
+  Put({DirectRow("X1", 1, "COLA").Price("9.999")});
+  LoadRule("X1");
+
+  const Answer sale = Sell(LineXml(1, "COLA", "10", "1", "10"));
+
+  EXPECT_THAT(DiscountsOf(sale.Out), ElementsAre("1 COLA: X1 on 1.00 gives 0.00"));
+  EXPECT_EQ(RowWhere(sale.Out, "Plu", "SerialNo", "1")["DisNum"], "1.00");
+}
+
 TEST_F(TimeLimit, TwentyPercentOffLeavesEightyPercentOfThePrice) {
   Put({DirectRow("X1", 1, "COLA").PercentOff("20")});
   LoadRule("X1");
@@ -306,6 +316,17 @@ TEST_F(TimeLimit, TheTradesMaximumRunsOverTheLinesInTheirOrder) {
   EXPECT_THAT(LinesOf(sale.Out),
               ElementsAre("1 COLA 2.00 x 10.00 = 16.00", "2 COLA 2.00 x 10.00 = 18.00", "3 COLA 2.00 x 10.00 = 20.00"));
   EXPECT_THAT(DiscountsOf(sale.Out), ElementsAre("1 COLA: X1 on 2.00 gives 4.00", "2 COLA: X1 on 1.00 gives 2.00"));
+}
+
+TEST_F(TimeLimit, TheTradesMaximumPassesOverLinesOfOtherGoods) {
+  Put({DirectRow("X1", 1, "COLA").Price("8").AtMost("3"), DirectRow("X1", 2, "TEA").Price("1")});
+  LoadRule("X1");
+
+  const Answer sale = Sell(LineXml(1, "TEA", "2", "1", "2") + LineXml(2, "COLA", "10", "2", "20") +
+                           LineXml(3, "TEA", "2", "1", "2") + LineXml(4, "COLA", "10", "2", "20"));
+
+  EXPECT_THAT(DiscountsOf(sale.Out), ElementsAre("1 TEA: X1 on 1.00 gives 1.00", "2 COLA: X1 on 2.00 gives 4.00",
+                                                 "3 TEA: X1 on 1.00 gives 1.00", "4 COLA: X1 on 1.00 gives 2.00"));
 }
 
 TEST_F(TimeLimit, ATradesMaximumOfZeroIsNone) {

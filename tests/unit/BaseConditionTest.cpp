@@ -86,8 +86,7 @@ TEST_F(BaseCondition, ARuleWithoutAnyRowsIsRefusedSilently) {
   EXPECT_EQ(Logged(), Entries{});
 }
 
-// --- Time
-// -------------------------------------------------------------------------------------------------------------
+// --- Time ------------------------------------------------------------------------------------------------------------
 
 TEST_F(BaseCondition, WithoutTimeRowsIsRefusedSilently) {
   m_rule.Times.clear();
@@ -163,8 +162,7 @@ TEST_F(BaseCondition, ACouponRulePassesTheTimeOfASaleWithoutLines) {
   EXPECT_EQ(Logged(), kPassed);
 }
 
-// --- Organisation
-// -------------------------------------------------------------------------------------------------------
+// --- Organisation ----------------------------------------------------------------------------------------------------
 
 TEST_F(BaseCondition, WithoutOrganisationsIsRefusedSilently) {
   m_rule.OrgFilters.clear();
@@ -200,8 +198,7 @@ TEST_F(BaseCondition, ANullOrganisationIsTheEmptyText) {
   EXPECT_TRUE(Check());
 }
 
-// --- Members
-// ------------------------------------------------------------------------------------------------------------
+// --- Members ---------------------------------------------------------------------------------------------------------
 
 TEST_F(BaseCondition, AnotherMemberTypeIsRefused) {
   m_rule.Vips = {Vip("01"), Vip("02")};
@@ -251,8 +248,7 @@ TEST_F(BaseCondition, ANullMemberTypeIsTheEmptyText) {
   EXPECT_TRUE(Check());
 }
 
-// --- Payment
-// ------------------------------------------------------------------------------------------------------------
+// --- Payment ---------------------------------------------------------------------------------------------------------
 
 TEST_F(BaseCondition, WithoutAMatchingPaymentIsRefused) {
   m_rule.PayModes = {Pay("01", 100)};
@@ -294,8 +290,7 @@ TEST_F(BaseCondition, AStarIsAnyWayOfPayingAndNoneToo) {
   EXPECT_TRUE(Check());
 }
 
-// --- The member type under which the rule acts
-// ----------------------------------------------------------------------------
+// --- The member type under which the rule acts -----------------------------------------------------------------------
 
 TEST_F(BaseCondition, TheMemberTypeIsThatOfTheFirstMember) {
   m_rule.Vips = {Vip("02")};
@@ -318,8 +313,7 @@ TEST_F(BaseCondition, AMemberTypeThatIsAbsentIsEmpty) {
   EXPECT_STREQ(m_rule.MemberText(m_sale), "");
 }
 
-// --- The order of the stages
-// ----------------------------------------------------------------------------------------------
+// --- The order of the stages -----------------------------------------------------------------------------------------
 
 TEST_F(BaseCondition, TheFirstStageThatFailsEndsTheTest) {
   m_rule.Times = {Past()};

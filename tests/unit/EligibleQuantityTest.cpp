@@ -33,8 +33,7 @@ SalePlu LineWith(double count, const std::vector<ProResult>& rows) {
   return line;
 }
 
-// --- The table: one row on the line
-// ---------------------------------------------------------------------------------------
+// --- The table: one row on the line ----------------------------------------------------------------------------------
 
 constexpr std::size_t kCells = 15;
 constexpr std::array<Text, 5> kRowTypes = {"PTXS", "PTOS", "ZHGD", "MZZM", "XXZZ"};
@@ -142,8 +141,7 @@ TEST_P(LeftTotalTable, OneRowOnTheLine) {
                  [&](const SalePlu& line) { return GetLineLeftTotal(line, GetParam().Primary, GetParam().ProType); });
 }
 
-// --- Quantity: what is used
-// -------------------------------------------------------------------------------------------------
+// --- Quantity: what is used ------------------------------------------------------------------------------------------
 
 class CalcCount : public ruletest::WithLog {};
 
@@ -217,8 +215,7 @@ TEST_F(CalcCount, NullTextsCompareAsEmpty) {
   EXPECT_EQ(Logged().at(1), "促销类型：");
 }
 
-// --- Quantity: the limit
-// ------------------------------------------------------------------------------------------------------
+// --- Quantity: the limit ---------------------------------------------------------------------------------------------
 
 ProInfo Limited(Text proType, double limit) {
   ProInfo rule = Rule("R1", proType, "PT");
@@ -336,8 +333,7 @@ TEST_F(CalcCount, ARuleMayAskAsAnotherType) {
   EXPECT_EQ(Logged().at(1), "促销类型：ZH");
 }
 
-// --- Quantity: the log
-// ----------------------------------------------------------------------------------------------------------
+// --- Quantity: the log -----------------------------------------------------------------------------------------------
 
 TEST_F(CalcCount, LogsWithoutALimit) {
   const Lines lines = {LineWith(5, {}), Holding(3)};
@@ -403,8 +399,7 @@ TEST_F(CalcCount, ChangesNothingOnTheLine) {
   EXPECT_EQ(lines[0].ProResults[0].DisNum, 2);
 }
 
-// --- Money
-// --------------------------------------------------------------------------------------------------------------------
+// --- Money -----------------------------------------------------------------------------------------------------------
 
 TEST(LeftTotal, ALineWithoutRowsIsOpen) { EXPECT_EQ(GetLineLeftTotal(LineWith(3, {}), "PT", "PTXS"), 30); }
 
@@ -440,8 +435,7 @@ TEST(LeftTotal, NullTextsCompareAsEmpty) {
   EXPECT_EQ(GetLineLeftTotal(LineWith(10, {Row(nullptr, nullptr, "PT", 1, 1, 30)}), nullptr, nullptr), 70);
 }
 
-// --- The rule's own count
-// -----------------------------------------------------------------------------------------------------
+// --- The rule's own count --------------------------------------------------------------------------------------------
 
 TEST(RuleLeftCount, IsTheLimitLessWhatTheRuleHolds) {
   const Lines lines = {LineWith(5, {Row("R1", "PTOS", "PT", 3), Row("R2", "PTOS", "PT", 50)}), LineWith(5, {}),

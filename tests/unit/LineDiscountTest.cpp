@@ -70,8 +70,7 @@ class LineDiscount : public ruletest::WithLog {
   Text m_vipType = "";
 };
 
-// --- Kinds of price
-// -------------------------------------------------------------------------------------------------------
+// --- Kinds of price --------------------------------------------------------------------------------------------------
 
 // (10 - 8) * 3 = 6.
 TEST_F(LineDiscount, ASetPriceLowersTheLine) {
@@ -186,8 +185,7 @@ TEST_F(LineDiscount, AnUnknownKindOfPriceLeavesTheLineAloneAndWritesItsRow) {
   }
 }
 
-// --- The rows
-// -------------------------------------------------------------------------------------------------------------
+// --- The rows --------------------------------------------------------------------------------------------------------
 
 TEST_F(LineDiscount, WritesARow) {
   EXPECT_TRUE(Apply(SetPrice(8)));
@@ -283,8 +281,7 @@ TEST_F(LineDiscount, AppendsItsCopies) {
   EXPECT_STREQ(m_changed[0].PluCode, "G9");
 }
 
-// --- The base price
-// ---------------------------------------------------------------------------------------------------------
+// --- The base price --------------------------------------------------------------------------------------------------
 
 // 1 piece is taken for 6.00: (6 + 24) / 3 = 10, (10 - 9) * 2 = 2.
 TEST_F(LineDiscount, DiscountsOfTheOwnFamilyAreGivenBackFirst) {
@@ -341,8 +338,7 @@ TEST_F(LineDiscount, GivesBackRowsOfTheModeAndOfDz) {
   EXPECT_FALSE(Corvane::IsGivenBack(Row("R2", nullptr, nullptr, 1), m_rule));
 }
 
-// --- Quantities
-// -----------------------------------------------------------------------------------------------------------
+// --- Quantities ------------------------------------------------------------------------------------------------------
 
 // 2 of 3 pieces are open.
 TEST_F(LineDiscount, TakesTheOpenQuantityOnly) {
@@ -445,8 +441,7 @@ TEST_F(LineDiscountBelowZero, AReductionIsTakenBack) {
   EXPECT_EQ(m_line.ProResults.at(0).DisMoney, -3);
 }
 
-// --- The log
-// ----------------------------------------------------------------------------------------------------------------
+// --- The log ---------------------------------------------------------------------------------------------------------
 
 TEST_F(LineDiscount, LogsTheQuantityAndNothingElse) {
   Apply(SetPrice(8));

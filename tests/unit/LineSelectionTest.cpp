@@ -56,8 +56,7 @@ Codes CodesOf(const RowPtrs& rows) {
   return codes;
 }
 
-// --- Classes
-// ------------------------------------------------------------------------------------------------------------
+// --- Classes ---------------------------------------------------------------------------------------------------------
 
 TEST(LineClass, IsAPairOfWordAndCode) {
   SalePlu line = Line("G1", 10, 1);
@@ -83,8 +82,7 @@ TEST(LineClass, NullTextsCompareAsEmpty) {
   EXPECT_FALSE(LineHasClass(Line("G1", 10, 1), nullptr, nullptr));
 }
 
-// --- Single packages
-// ------------------------------------------------------------------------------------------------------
+// --- Single packages -------------------------------------------------------------------------------------------------
 
 struct PackRow {
   double PackCnt;
@@ -111,8 +109,7 @@ TEST(SingleLines, KeepTheirOrderAndAreTheSalesOwn) {
   EXPECT_EQ(Corvane::SelectSingleLines(lines), (LinePtrs{&lines.front(), &lines.back()}));
 }
 
-// --- Rows and the lines outside of them
-// -----------------------------------------------------------------------------------
+// --- Rows and the lines outside of them ------------------------------------------------------------------------------
 
 TEST(SplitRowsByKind, KeepsTheOrderOfTheRows) {
   const Conditions rows = {Condition("IN", "PLU", "1"),  Condition("NOT", "CAT", "2"), Condition("IN", "CAT", "3"),
@@ -170,8 +167,7 @@ TEST_F(OutsideLines, ForAnotherWordAGoodsCodeNamesNothing) {
   EXPECT_EQ(Outside({Condition("NOT", "PLU", "G1")}, ""), (Codes{"G1", "G2", "G3"}));
 }
 
-// --- The lines of a full-amount rule
-// --------------------------------------------------------------------------------------
+// --- The lines of a full-amount rule ---------------------------------------------------------------------------------
 
 class SelectedLines : public ruletest::WithLog {
  protected:
@@ -335,8 +331,7 @@ TEST_F(SelectedLines, AmongSomeLinesOnlyThoseAreSieved) {
   EXPECT_EQ(taken.Lines, (LinePtrs{&m_lines.back()}));
 }
 
-// --- Rows of a rule on a line
-// -----------------------------------------------------------------------------------------------
+// --- Rows of a rule on a line ----------------------------------------------------------------------------------------
 
 TEST(RowOfRule, IsTheFirst) {
   SalePlu line = Line("G1", 10, 1);

@@ -88,8 +88,7 @@ void ExpectEach(std::string (*function)(double), const FormRow (&rows)[Count]) {
   }
 }
 
-// --- Text to number
-// ---------------------------------------------------------------------------------------------------
+// --- Text to number --------------------------------------------------------------------------------------------------
 
 struct TextToDouble {
   Text Given;
@@ -172,8 +171,7 @@ TEST_P(Numbers, ToInt32OutOfRangeIsTheSmallestInteger) {
   }
 }
 
-// --- Number to text
-// ---------------------------------------------------------------------------------------------------
+// --- Number to text --------------------------------------------------------------------------------------------------
 
 /// The exact value of the double nearest to 1e300.
 const std::string kDigitsOf1e300 =
@@ -245,8 +243,7 @@ TEST_P(Numbers, FormatG6HasSixSignificantDigits) {
 // The string class halves away from zero here too; printf would print 100000.
 TEST_P(Numbers, FormatG6HalvesAwayFromZero) { EXPECT_EQ(Corvane::FormatG6(100000.5), "100001"); }
 
-// --- Rounding
-// ---------------------------------------------------------------------------------------------------------
+// --- Rounding --------------------------------------------------------------------------------------------------------
 
 TEST_P(Numbers, RoundMoneyHalvesAwayFromZero) {
   const NumberRow rows[] = {{0, 0},
@@ -351,8 +348,7 @@ TEST_P(Numbers, CeilToCentsLosesACentAboveWhatSinglePrecisionHolds) {
   EXPECT_EQ(Corvane::CeilToCents(167772.17), 167772.16);
 }
 
-// --- Conversions that C++ leaves undefined out of range
-// -----------------------------------------------------------------
+// --- Conversions that C++ leaves undefined out of range --------------------------------------------------------------
 
 struct CutRow {
   double Given;
@@ -407,8 +403,7 @@ TEST_P(Numbers, DivideInt32WithoutAResultIsTheSmallestInteger) {
   EXPECT_EQ(Corvane::DivideInt32(kSmallest, -1), kSmallest);
 }
 
-// --- The host's locale
-// ------------------------------------------------------------------------------------------------
+// --- The host's locale -----------------------------------------------------------------------------------------------
 
 TEST_P(Numbers, LeaveTheLocaleOfTheHostAlone) {
   const std::string before = std::setlocale(LC_ALL, nullptr);

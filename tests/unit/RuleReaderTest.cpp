@@ -39,8 +39,7 @@ void ExpectEmpty(const ProBase& rule) {
   EXPECT_TRUE(rule.Vips.empty());
 }
 
-// --- Header
-// -----------------------------------------------------------------------------------------------------------
+// --- Header ----------------------------------------------------------------------------------------------------------
 
 TEST(RuleHeader, HoldsTheTenAttributes) {
   const ProBase rule = RuleOf(
@@ -96,8 +95,7 @@ TEST(RuleHeader, OutlivesTheTextThatItWasReadFrom) {
   EXPECT_STREQ(rule.OrgFilters.at(0).OrgCode, "reader-org");
 }
 
-// --- Texts that bring no rule
-// ---------------------------------------------------------------------------------------------
+// --- Texts that bring no rule ----------------------------------------------------------------------------------------
 
 TEST(RuleText, ThatDoesNotParseLeavesTheRuleEmpty) {
   for (const Text xml : {static_cast<Text>(nullptr), "", "no xml", "<", "<Rules", "<Rules>", "<Rules/>",
@@ -114,8 +112,7 @@ TEST(RuleText, ThatIsCutOffGivesWhatStandsBeforeTheFault) {
   EXPECT_STREQ(rule.OrgFilters[0].OrgCode, "A");
 }
 
-// --- Filter groups
-// ------------------------------------------------------------------------------------------------------
+// --- Filter groups ---------------------------------------------------------------------------------------------------
 
 TEST(RuleFilters, ReadOrganisations) {
   const ProBase rule =
@@ -226,8 +223,7 @@ TEST(RuleFilters, TheReaderOfTheTypeSeesTheHeader) {
   EXPECT_EQ(seen, "R1");
 }
 
-// --- Row families
-// -------------------------------------------------------------------------------------------------------
+// --- Row families ----------------------------------------------------------------------------------------------------
 
 /// The rows that a reader makes of a group that stands as root.
 template <class Row>
@@ -430,8 +426,7 @@ TEST(RuleRows, AnEmptyGroupHasNone) {
   EXPECT_TRUE(RowsOf(Corvane::ReadPluAddAction, "<g>text</g>").empty());
 }
 
-// --- Coupons
-// ------------------------------------------------------------------------------------------------------------
+// --- Coupons ---------------------------------------------------------------------------------------------------------
 
 CouponType CouponOf(Text xml) {
   const XmlDocument document(xml);

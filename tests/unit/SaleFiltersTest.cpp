@@ -17,8 +17,7 @@ using Corvane::Text;
 
 namespace {
 
-// --- Time: dates
-// ------------------------------------------------------------------------------------------------------
+// --- Time: dates -----------------------------------------------------------------------------------------------------
 
 /// A row for every hour of every day in a span.
 ProTime Days(Text startDate, Text endDate) {
@@ -93,8 +92,7 @@ TEST(MatchTime, MonthDaysAreNeverTested) {
   EXPECT_TRUE(MatchTime(row, "2026-11-21", "10:00:00"));
 }
 
-// --- Time: weekdays
-// -----------------------------------------------------------------------------------------------------
+// --- Time: weekdays --------------------------------------------------------------------------------------------------
 
 struct KnownDay {
   Text Date;
@@ -187,8 +185,7 @@ TEST(MatchTime, AHugeYearTakesNoTime) {
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
 }
 
-// --- Time: hours
-// --------------------------------------------------------------------------------------------------------
+// --- Time: hours -----------------------------------------------------------------------------------------------------
 
 struct HoursRow {
   Text StartTime;
@@ -240,8 +237,7 @@ TEST(MatchTime, ARowMadeFromDatesHoldsForWholeDays) {
   EXPECT_TRUE(MatchTime(row, "2026-11-21", "23:59:59"));
 }
 
-// --- Payment
-// ------------------------------------------------------------------------------------------------------------
+// --- Payment ---------------------------------------------------------------------------------------------------------
 
 ProPayMode Pay(Text payMode, double money) {
   ProPayMode row;

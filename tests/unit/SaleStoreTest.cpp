@@ -25,8 +25,7 @@ using ruletest::Row;
 
 namespace {
 
-// --- Records
-// ----------------------------------------------------------------------------------------------------------
+// --- Records ---------------------------------------------------------------------------------------------------------
 
 TEST(SaleRecords, ANewSaleIsEmpty) {
   const ProSale sale;
@@ -118,8 +117,7 @@ TEST(SaleRecords, OnlyAMemberTypeMarksARowAsAMembers) {
   EXPECT_STREQ(row.VipType, "");
 }
 
-// --- The store
-// --------------------------------------------------------------------------------------------------------
+// --- The store -------------------------------------------------------------------------------------------------------
 
 /// Tells when it dies.
 class Tracked : public Multiton<Tracked, std::string> {
@@ -210,8 +208,7 @@ TEST_F(ObjectStore, DestroyingAllLeavesTheForgottenAlone) {
   EXPECT_EQ(Tracked::Gone(), (std::vector<std::string>{"K2"}));
 }
 
-// --- The calls that end sales
-// -------------------------------------------------------------------------------------------
+// --- The calls that end sales ----------------------------------------------------------------------------------------
 
 /// The store of sales, empty at first, in an engine that is free.
 class SaleStore : public ruletest::WithLog {
@@ -289,8 +286,7 @@ TEST_F(SaleStore, ClearingIsRefusedAndLoggedWhereTheEngineIsNotFree) {
   }
 }
 
-// --- The reset in front of a calculation
-// ----------------------------------------------------------------------------------
+// --- The reset in front of a calculation -----------------------------------------------------------------------------
 
 class SaleReset : public testing::Test {
  protected:
@@ -341,8 +337,7 @@ TEST_F(SaleReset, LeavesTheLinesAndTheirAmounts) {
   EXPECT_EQ(m_sale.Plus[0].DisNum, 3);
 }
 
-// --- What rules ask
-// -----------------------------------------------------------------------------------------------------
+// --- What rules ask --------------------------------------------------------------------------------------------------
 
 TEST(SaleTotal, IsZeroWithoutLines) { EXPECT_EQ(ProSale().SaleTotal(), 0); }
 

@@ -75,8 +75,7 @@ Numbers YhMoneys(const Lines& lines) {
 
 Lines ThreeOfTen() { return {Line("G1", 10, 1), Line("G2", 10, 1), Line("G3", 10, 1)}; }
 
-// --- By value at Price
-// --------------------------------------------------------------------------------------------------
+// --- By value at Price -----------------------------------------------------------------------------------------------
 
 class ApportionByValue : public ruletest::WithLog {
  protected:
@@ -215,8 +214,7 @@ TEST_F(ApportionByValue, ALineThatStandsTwiceInTheListWeighsTwice) {
   EXPECT_EQ(Logged(), (Entries{"不存在已有分摊记录，创建分摊记录", "已有分摊记录"}));
 }
 
-// --- Over chosen lines
-// ----------------------------------------------------------------------------------------------------
+// --- Over chosen lines -----------------------------------------------------------------------------------------------
 
 class SpreadOverChosen : public testing::Test {
  protected:
@@ -360,8 +358,7 @@ TEST_F(SpreadOverChosen, ALineWithoutAShareGetsNoRowAndKeepsItsQuantity) {
   EXPECT_EQ(m_lines[1].DisNum, 1);
 }
 
-// --- Over chosen lines: the rule's own rows
-// -----------------------------------------------------------------------------
+// --- Over chosen lines: the rule's own rows --------------------------------------------------------------------------
 
 // 10 / 30 * 9 on each of the other two; what the first line doesn't get is the tail, and lands on its old row.
 TEST_F(SpreadOverChosen, ALineThatHasAResultOfTheRuleIsPassedOver) {
@@ -380,8 +377,7 @@ TEST_F(SpreadOverChosen, ALineThatHasAnApportionRowOfTheRuleIsNot) {
   ExpectNumbers(ApportionMoneys(m_lines), {3, 1, 3, 3});
 }
 
-// --- Over chosen lines: what a line's part is
-// ---------------------------------------------------------------------------
+// --- Over chosen lines: what a line's part is ------------------------------------------------------------------------
 
 // Of the second line, 4.00 stand under a "DZ" rule: 10 and 6 of 16.
 TEST_F(SpreadOverChosen, ThePartIsTheOpenMoney) {
@@ -412,8 +408,7 @@ TEST_F(SpreadOverChosen, ThePartOfGiftsIsTheWholeAmount) {
   }
 }
 
-// --- Over chosen lines: quantity, price and base
-// ------------------------------------------------------------------------
+// --- Over chosen lines: quantity, price and base ---------------------------------------------------------------------
 
 // 1.5 of a weighed goods: 2 in the row, and a base of 2 * 10. The new price is (15 - 3) / 1.5.
 TEST_F(SpreadOverChosen, AQuantityIsRoundedUp) {
@@ -499,8 +494,7 @@ TEST_F(SpreadOverChosen, OfOtherTypesTheLinesKeepWhatTheyHoldReady) {
   EXPECT_EQ(m_lines[0].DisNum, 1);
 }
 
-// --- Over chosen lines: by the quantity held ready
-// ----------------------------------------------------------------------
+// --- Over chosen lines: by the quantity held ready -------------------------------------------------------------------
 
 class SpreadByDisNum : public SpreadOverChosen {
  protected:
@@ -564,8 +558,7 @@ TEST_F(SpreadByDisNum, WhatOtherRulesStandOnDoesNotMatter) {
   EXPECT_NEAR(m_lines[0].ProResults.at(1).DisMoney, 4, kDust);
 }
 
-// --- Over chosen lines: where the tail lands
-// ------------------------------------------------------------------------------
+// --- Over chosen lines: where the tail lands -------------------------------------------------------------------------
 
 TEST_F(SpreadOverChosen, TheTailLandsOnTheFirstRowsWhoeverWroteThem) {
   m_lines[1].ProResults = {Row("R2", "ZHGD", "PT", 1, 1)};
@@ -595,8 +588,7 @@ TEST_F(SpreadOverChosen, MoneyThatNoLineTakesIsTail) {
   ExpectNumbers(Totals(m_lines), {6});
 }
 
-// --- Over chosen lines: without result rows
-// -------------------------------------------------------------------------------
+// --- Over chosen lines: without result rows --------------------------------------------------------------------------
 
 class SpreadWithoutResults : public SpreadOverChosen {
  protected:
@@ -624,8 +616,7 @@ TEST_F(SpreadWithoutResults, TheTailLowersTheTotalWhereAResultStands) {
   ExpectNumbers(Totals(m_lines), {6.67, 6.66, 6.67});
 }
 
-// --- Over the whole sale
-// --------------------------------------------------------------------------------------------------
+// --- Over the whole sale ---------------------------------------------------------------------------------------------
 
 class SpreadOverSale : public testing::Test {
  protected:
@@ -772,8 +763,7 @@ TEST_F(SpreadOverSale, RowsGoToBothListsWhateverTheOptionsSay) {
   ExpectNumbers(ApportionMoneys(m_lines), {3, 3, 3});
 }
 
-// --- Over the whole sale: where the tail lands
-// ------------------------------------------------------------------------------
+// --- Over the whole sale: where the tail lands -----------------------------------------------------------------------
 
 // Rows of another rule stand in front of the rule's own, and are left alone.
 TEST_F(SpreadOverSale, TheTailLandsOnRowsOfTheRuleOnly) {

@@ -69,8 +69,7 @@ std::string WithAttributes(int count) {
   return text + "/>";
 }
 
-// --- Well-formed texts
-// ------------------------------------------------------------------------------------------------
+// --- Well-formed texts -----------------------------------------------------------------------------------------------
 
 TEST(Xml, GivesRootRowsAndAttributesInDocumentOrder) {
   const auto document = Parse("<S BillNo='1'><A x='1'/>text<B x='2'></B><!-- no row --><C x='3'/></S>");
@@ -101,8 +100,7 @@ TEST(Xml, ANullParentHasNoChildren) {
   for (const TiXmlElement& child : ChildElements(nullptr)) FAIL() << child.Value();
 }
 
-// --- An attribute that occurs twice
-// -------------------------------------------------------------------------------------
+// --- An attribute that occurs twice ----------------------------------------------------------------------------------
 
 TEST(XmlAttributes, TheLastValueCountsAndTheFollowingLinesSurvive) {
   const auto document = Parse(
@@ -214,8 +212,7 @@ TEST(XmlAttributes, AHugeNumberOfThemTakesNoTime) {
   EXPECT_EQ(Column(*document, "a0").front(), "7");
 }
 
-// --- Comments, CDATA, declarations
-// --------------------------------------------------------------------------------------
+// --- Comments, CDATA, declarations -----------------------------------------------------------------------------------
 
 TEST(XmlAsides, ThatLookLikeMarkupAreSteppedOver) {
   const Text asides[] = {"<!-- <D a='1' a='2'/> -->",
@@ -261,8 +258,7 @@ TEST(XmlAsides, BeforeTheRootAreSteppedOver) {
   }
 }
 
-// --- Nesting
-// ----------------------------------------------------------------------------------------------------------
+// --- Nesting ---------------------------------------------------------------------------------------------------------
 
 TEST(XmlNesting, IsReadDownToTheLimit) {
   EXPECT_EQ(DepthOf(*Parse(Nested(3))), 3);
@@ -294,8 +290,7 @@ TEST(XmlNesting, OfManyShallowElementsIsNoDepth) {
   EXPECT_EQ(Column(*document, "a").back(), "9");
 }
 
-// --- Malformed texts
-// ----------------------------------------------------------------------------------------------------
+// --- Malformed texts -------------------------------------------------------------------------------------------------
 
 TEST(XmlFaults, ANullTextHasNoRoot) { EXPECT_EQ(XmlDocument(nullptr).Root(), nullptr); }
 
