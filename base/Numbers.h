@@ -8,20 +8,21 @@
 
 namespace Corvane {
 
-// Every conversion and rounding of the engine. All of them give a defined result for every input and none depends on
-// the process's locale: the decimal sign is the point.
+// Every conversion, rounding and division of the engine. All of them give a defined result for every input and none
+// depends on the process's locale: the decimal sign is the point. What comes out of here is a number: what is not
+// finite counts as 0 on its way in, in a quotient and on its way out.
 
 // --- Text to number -------------------------------------------------------------------------------------------------
 
 /// The number at the start of the text, behind white space; 0 when there is none. Reads what the C library's atof
-/// reads in the "C" locale.
+/// reads in the "C" locale; a number that is not finite ("inf", "nan", "1e999") reads as 0.
 double ToDouble(Text text);
 
 /// The decimal integer at the start of the text, behind white space; 0 when there is none. A number outside 32 bits
-/// gives the smallest integer, as every other conversion does.
+/// narrows, as the C library's atoi does here: modulo 2^32, so that serial numbers which differ stay different.
 std::int32_t ToInt32(Text text);
 
-// --- Number to text -------------------------------------------------------------------------------------------------
+// --- Number to text. What is not finite prints as 0 -----------------------------------------------------------------
 
 /// "%.2f": halves to even on the exact value, 0.125 gives "0.12". The form of money and quantities in the result XML.
 std::string FormatF2(double value);
@@ -54,7 +55,8 @@ bool PrintsAsZero(double value);
 /// Whether a receipt would show "1.00" for the value.
 bool PrintsAsOne(double value);
 
-/// To cents, half a cent up and then cut toward zero: trunc((x * 1000 + 5) / 10) / 100, cut into 32 bits.
+/// To cents, half a cent up and then cut toward zero: trunc((x * 1000 + 5) / 10) / 100. Does not wrap: prices in
+/// currencies of small units run into the millions.
 double CutToCents(double value);
 
 /// The smallest whole number at or above the value, taken in single precision: 16777217 gives 16777216.
@@ -62,6 +64,21 @@ double CeilSingle(double value);
 
 /// A share of money in cents: CeilSingle(x * 100 - 0.5) / 100.
 double CeilToCents(double value);
+
+// --- Dividing and comparing -----------------------------------------------------------------------------------------
+
+/// Below this, what is left of a quantity or a price is noise of the arithmetic and neither quantity nor money.
+constexpr double kNoise = 1e-9;
+
+/// The value, or exactly 0 when it is only noise.
+double WithoutNoise(double value);
+
+/// Whether a new price or rate is no gain on the price `base`: it reaches it, give or take the noise.
+inline bool ReachesPrice(double price, double base) { return price >= base - kNoise; }
+
+/// dividend / divisor; 0 when the divisor is 0. Every division by what a host or a table brought goes through here: a
+/// voided line has a quantity of 0, lines and their returns sum to 0, and no receipt may show what is no number.
+double Quotient(double dividend, double divisor);
 
 // --- Conversions that C++ leaves undefined out of range --------------------------------------------------------------
 
@@ -71,7 +88,7 @@ std::int32_t TruncToInt32(double value);
 /// Into single precision; a value out of its range becomes infinite.
 float ToSingle(double value);
 
-/// left / right in whole numbers. A divisor of 0 gives the smallest integer.
+/// left / right in whole numbers. A divisor of 0 gives 0.
 std::int32_t DivideInt32(std::int32_t left, std::int32_t right);
 
 }  // namespace Corvane

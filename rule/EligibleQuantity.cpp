@@ -71,10 +71,10 @@ double GetCalcCount(const SalePlu& line, const ProInfo& rule, Text proType, cons
     total = CountHeldByRule(rule.BillNo, lines);
   }
   Log(Join("计算整单已优惠数量：", FormatG6(total)));
-  const double remaining = line.PluCount - used;
+  const double remaining = WithoutNoise(line.PluCount - used);
   if (!limited) return remaining;
 
-  const double room = rule.MaxYhValue - total;
+  const double room = WithoutNoise(rule.MaxYhValue - total);
   // A rule that has passed its limit gets a negative quantity, which every caller takes for nothing.
   if (room < remaining) return std::min(rule.MaxYhValue, room);
   if (remaining <= 0) return 0;

@@ -23,26 +23,26 @@ double BasePrice(const SalePlu& line, const ProInfo& rule) {
   for (const ProResult& row : line.ProResults) {
     if (IsGivenBack(row, rule)) givenBack += row.DisMoney;
   }
-  return (givenBack + line.Total) / line.PluCount;
+  return Quotient(givenBack + line.Total, line.PluCount);
 }
 
 /// @return nothing when the row brings no gain on this price.
 std::optional<NewPrice> PriceByAction(const PluAction& action, double base, double quantity) {
   if (Same(action.DisType, PriceKind::kPrice)) {
-    if (action.DisPrice >= base) return std::nullopt;
+    if (ReachesPrice(action.DisPrice, base)) return std::nullopt;
     const double money = RoundMoney((base - action.DisPrice) * quantity);
     if (money < 0) return std::nullopt;
     return NewPrice{action.DisPrice, money};
   }
   if (Same(action.DisType, PriceKind::kRate)) {
     const double price = action.DisRate * base / 100;
-    if (price >= base) return std::nullopt;
+    if (ReachesPrice(price, base)) return std::nullopt;
     return NewPrice{price, RoundMoney((base - price) * quantity)};
   }
   if (Same(action.DisType, PriceKind::kReduction)) {
     const double price = base - action.DisPrice;
     // A reduction that misses the price by less than a cent is given all the same.
-    if (price <= -0.01) return std::nullopt;
+    if (price < -0.01 + kNoise) return std::nullopt;
     return NewPrice{price, RoundMoney(action.DisPrice * quantity)};
   }
   return NewPrice{0, 0, false};
@@ -69,12 +69,12 @@ bool ApplyLineDiscount(const PluAction& action, double limit, SalePlu& line, dou
     if (applied >= limit) return false;
     quantity = std::min(quantity, limit - applied);
   }
-  if (quantity == 0) return false;
+  if (quantity <= 0) return false;
   const std::optional<NewPrice> price = PriceByAction(action, BasePrice(line, rule), quantity);
   if (!price) return false;
   if (price->ChangesLine) {
     line.Total -= price->Money;
-    if (Same(rule.ProType, "PTXS")) line.FinalPrice = line.Total / line.PluCount;
+    if (Same(rule.ProType, "PTXS")) line.FinalPrice = Quotient(line.Total, line.PluCount);
     line.DisNum = quantity;
     applied += quantity;
     changed.push_back(line);

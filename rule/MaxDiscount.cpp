@@ -34,7 +34,7 @@ void ShrinkTo(double ceiling, double total, const std::vector<ProResult*>& rows)
       row->DisMoney = ceiling - allocated;
       return;
     }
-    row->DisMoney = RoundMoney(row->DisMoney * ceiling / total);
+    row->DisMoney = RoundMoney(Quotient(row->DisMoney * ceiling, total));
     allocated += row->DisMoney;
     Log(Join("allocated=", FormatG6(allocated)));
   }

@@ -70,14 +70,14 @@ double PartOfLine(const ProInfo& rule, const SalePlu& line, bool byDisNum) {
 Share ShareOfLine(const ProInfo& rule, SalePlu& line, double money, double base, bool byDisNum) {
   const double part = PartOfLine(rule, line, byDisNum);
   Share share;
-  share.Money = CutToCents(part / base * money);
+  share.Money = CutToCents(Quotient(part, base) * money);
   if (share.Money == 0) return share;
   if (byDisNum) {
     share.Quantity = line.DisNum;
-    share.NewPrice = (part - share.Money) / share.Quantity;
+    share.NewPrice = Quotient(part - share.Money, share.Quantity);
     line.DisNum = 0;
   } else {
-    share.NewPrice = (line.Total - share.Money) / line.PluCount;
+    share.NewPrice = Quotient(line.Total - share.Money, line.PluCount);
     share.Quantity = line.PluCount;
     if (Same(rule.ProType, "MZZM")) {
       share.Quantity = line.DisNum;
@@ -120,7 +120,7 @@ void ApportionRecords(const ProInfo& rule, const LinePtrs& lines, double money, 
   for (SalePlu* line : LastToFirst(lines)) {
     Apportion* row = FindLastRow(line->Apportions, billNo);
     if (row == nullptr) continue;
-    const double share = money * row->AppNum() * line->Price / weight;
+    const double share = Quotient(money * row->AppNum() * line->Price, weight);
     row->YhMoney = share;
     if (setsMoney) row->AppMoney() = share;
     sum += CeilToCents(share);
@@ -152,7 +152,7 @@ void SpreadOverLinePtrs(const ProInfo& rule, const LinePtrs& lines, double money
     const Share share = ShareOfLine(rule, *line, money, base, options.ByDisNum);
     if (share.Money == 0) continue;
     const double baseMoney =
-        share.Quantity > 0 ? share.Quantity * line->FinalPrice : base * line->Total / SumOfTotals(lines);
+        share.Quantity > 0 ? share.Quantity * line->FinalPrice : Quotient(base * line->Total, SumOfTotals(lines));
     const ProResult row = RowOf(rule, share, baseMoney, options.VipType);
     line->Apportions.push_back(row);
     if (options.WriteResult) line->ProResults.push_back(row);
@@ -166,7 +166,7 @@ void SpreadOverLinePtrs(const ProInfo& rule, const LinePtrs& lines, double money
 
 void SpreadOverLines(const ProInfo& rule, std::vector<SalePlu>& lines, double money, double base,
                      const SpreadOptions& options) {
-  if (base == 0) return;
+  if (base == 0 || SumOfTotals(lines) == 0) return;
   const bool isReduce = Same(rule.ProType, "MZMJ");
   double sum = 0;
   for (SalePlu& line : lines) {
@@ -174,9 +174,10 @@ void SpreadOverLines(const ProInfo& rule, std::vector<SalePlu>& lines, double mo
     Share share;
     share.Quantity = CeilSingle(Same(rule.ProType, "MZZM") ? line.DisNum : line.PluCount);
     const bool byQuantity = !isReduce && share.Quantity > 0;
-    const double baseMoney = byQuantity ? share.Quantity * line.FinalPrice : base * line.Total / SumOfTotals(lines);
-    share.Money = CutToCents(baseMoney / base * money);
-    share.NewPrice = (line.Total - share.Money) / line.PluCount;
+    const double baseMoney =
+        byQuantity ? share.Quantity * line.FinalPrice : Quotient(base * line.Total, SumOfTotals(lines));
+    share.Money = CutToCents(Quotient(baseMoney, base) * money);
+    share.NewPrice = Quotient(line.Total - share.Money, line.PluCount);
     WriteResultRow(line, RowOf(rule, share, baseMoney, options.VipType));  // a share of 0 writes its row too
     if (options.SetFinalPrice) line.FinalPrice = share.NewPrice;
     if (!isReduce) line.Total -= share.Money;

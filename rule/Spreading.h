@@ -10,7 +10,7 @@
 namespace Corvane {
 
 // Three ways in which a rule's money lands on lines in cents that add up. In all of them the rounding tail lands on one
-// row at the end. Nothing is reported as an error; a divisor of 0 gives nothing.
+// row at the end. Nothing is reported as an error.
 
 /// How a sum is spread over lines.
 struct SpreadOptions {
@@ -42,6 +42,8 @@ void PutTailOnFirstRows(const ProInfo& rule, const LinePtrs& lines, double tail,
 /// Spreads `money` over all lines of a sale in proportion to their part of `base`; a line that has a result of the rule
 /// is passed over. Here it is the other way about: `Total` falls for all types but "MZMJ", whose caller lowers it.
 /// `WriteResult` and `ByDisNum` of the options are not consulted: rows always go to both lists.
+///
+/// @param base 0 spreads nothing, and so do lines whose `Total`s sum to 0, as a sale and its return do.
 void SpreadOverLines(const ProInfo& rule, std::vector<SalePlu>& lines, double money, double base,
                      const SpreadOptions& options);
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/Numbers.h"
 #include "base/XmlFields.h"
 #include "engine/Log.h"
 #include "engine/StatusText.h"
@@ -103,8 +104,8 @@ SalePlu ReadLine(const ProSale& sale, const TiXmlElement& row) {
     if (!ReadAttribute(kPluFields, attribute, line)) AddLineClass(line, attribute);
   }
   line.BillNo = sale.BillNo;
-  // The attribute FinalPrice has no effect. A quantity of 0 leaves a price that is no number.
-  line.FinalPrice = line.Total / line.PluCount;
+  // The attribute FinalPrice has no effect. A voided line, whose quantity is 0, has a price of 0.
+  line.FinalPrice = Quotient(line.Total, line.PluCount);
   return line;
 }
 

@@ -15,7 +15,7 @@ CombTaken TakenByCombinations(const SalePlu& line) {
 }
 
 double UnitBeforeCombinations(const SalePlu& line) {
-  return (TakenByCombinations(line).Money + line.Total) / line.PluCount;
+  return Quotient(TakenByCombinations(line).Money + line.Total, line.PluCount);
 }
 
 std::int32_t WholeSets(double quantity, double saleCount) {

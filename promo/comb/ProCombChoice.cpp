@@ -133,7 +133,7 @@ std::int32_t ProCombChoice::GetSlotSets(const CombChoiceSlot& slot, const LinePt
     const LinePtrs holding = LinesOf(row.PluCode, candidates);
     double open = 0;
     for (const SalePlu* line : holding) open += GetCalcCount(*line, Info, lines);
-    const double menus = open / row.SaleCount;
+    const double menus = Quotient(open, row.SaleCount);
     sum += menus;
     if (menus >= 1 && LinesOf(row.PluCode, matched).empty()) {
       matched.insert(matched.end(), holding.begin(), holding.end());

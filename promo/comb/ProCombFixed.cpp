@@ -220,13 +220,13 @@ void ProCombFixed::SpreadFixedDiscount(const LinePtrs& matched, double discount,
 double ProCombFixed::WriteShare(SalePlu& line, const LinePtrs& matched, double discount, double value,
                                 Text vipType) const {
   const double unit = RoundMoney(UnitBeforeCombinations(line));
-  const double share = RoundMoney(unit * line.DisNum / value * discount);
+  const double share = RoundMoney(Quotient(unit * line.DisNum, value) * discount);
   if (share == 0) return 0;
-  const double newPrice = RoundMoney(unit - share / line.DisNum);
+  const double newPrice = RoundMoney(unit - Quotient(share, line.DisNum));
   const double quantity = CeilSingle(line.DisNum);
   line.DisNum = 0;
   ProResult row = CombResult(Info, quantity, share, newPrice, vipType);
-  row.BaseMoney = quantity > 0 ? quantity * unit : value * line.Total / SumOfTotals(matched);
+  row.BaseMoney = quantity > 0 ? quantity * unit : Quotient(value * line.Total, SumOfTotals(matched));
   WriteResultRow(line, row);
   line.Total -= share;
   return share;

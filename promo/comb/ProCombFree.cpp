@@ -48,7 +48,7 @@ constexpr double kNoPieces = 0.001;
 /// A smaller difference is no tail.
 constexpr double kNoMoney = 0.001;
 
-double PiecePrice(const CombFreeActRow& tier) { return tier.PriceTotal / tier.SaleCount; }
+double PiecePrice(const CombFreeActRow& tier) { return Quotient(tier.PriceTotal, tier.SaleCount); }
 
 }  // namespace
 
@@ -204,7 +204,7 @@ void ProCombFree::DiscountSale(TierRun& run, SalePlu& line, const CombWork& work
   const double left = run.Target - run.Running;
   LinePart part;
   part.Value = line.Total + taken.Money;
-  part.Unit = RoundMoney(part.Value / line.PluCount);
+  part.Unit = RoundMoney(Quotient(part.Value, line.PluCount));
   part.Quantity = line.PluCount - taken.Quantity;
   if (!(left > part.Quantity)) {
     if (!(left > 0)) return;
@@ -219,7 +219,7 @@ void ProCombFree::DiscountSale(TierRun& run, SalePlu& line, const CombWork& work
     return;
   }
   line.Total -= offer.Money;
-  line.FinalPrice = line.Total / line.PluCount;
+  line.FinalPrice = Quotient(line.Total, line.PluCount);
   line.DisNum = part.Quantity;
   run.Running += part.Quantity;
   work.Changed.push_back(line);
@@ -233,7 +233,7 @@ ProCombFree::Offer ProCombFree::OfferOfTier(const TierRun& run, const SalePlu& l
   if (!Same(priceType, TierPrice::kPercentOff)) return {};
   // A percentage leaves its rounding difference where it is: the last line is not corrected.
   const double kept = run.Tier.PriceTotal;
-  return {RoundMoney((part.Value * part.Quantity / line.PluCount) * (100 - kept) / 100), part.Unit * kept / 100};
+  return {RoundMoney(Quotient(part.Value * part.Quantity, line.PluCount) * (100 - kept) / 100), part.Unit * kept / 100};
 }
 
 ProCombFree::Offer ProCombFree::OfferSetPrice(const TierRun& run, const LinePart& part) {
@@ -249,7 +249,7 @@ ProCombFree::Offer ProCombFree::OfferSetPrice(const TierRun& run, const LinePart
 
 ProCombFree::Offer ProCombFree::OfferReduction(const TierRun& run, const LinePart& part) {
   const double reduction = PiecePrice(run.Tier);
-  Offer offer{RoundMoney(part.Quantity * run.Tier.PriceTotal / run.Tier.SaleCount),
+  Offer offer{RoundMoney(Quotient(part.Quantity * run.Tier.PriceTotal, run.Tier.SaleCount)),
               std::max(0.0, part.Unit - reduction)};
   Log(Join("组合自选促销生成的优惠：", FormatG6(offer.Money)));
   if (part.IsLast) {

@@ -17,7 +17,7 @@ namespace {
 
 /// A goods row counts what is open of a line toward the minimum; a line with nothing open is passed over.
 std::optional<double> CountOpenQuantity(const SalePlu& /*line*/, double open) {
-  if (open == 0) return std::nullopt;
+  if (open <= 0) return std::nullopt;
   return open;
 }
 

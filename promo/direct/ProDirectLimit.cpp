@@ -84,7 +84,7 @@ double GetTypeCountOnLine(const SalePlu& line, Text type) {
   for (const ProResult& row : line.ProResults) {
     if (Same(row.ProType, type)) count += row.DisNum;
   }
-  return line.ProResults.empty() || (count >= 0 && count <= line.PluCount) ? count : -1;
+  return line.ProResults.empty() || (count >= 0 && count <= line.PluCount + kNoise) ? count : -1;
 }
 
 double GetEarlierCount(const ProSale& sale, Text code, Text word, std::int32_t lastIndex) {

@@ -40,13 +40,13 @@ struct UnitGain {
 
 std::optional<UnitGain> GainByAction(const PluAction& action, const SalePlu& line, double base) {
   if (Same(action.DisType, PriceKind::kPrice)) {
-    if (action.DisPrice >= base) return std::nullopt;
+    if (ReachesPrice(action.DisPrice, base)) return std::nullopt;
     return UnitGain{base - action.DisPrice};
   }
   if (Same(action.DisType, PriceKind::kRate)) {
     // The rate is one of the line's price, not of the base.
     const double kept = action.DisRate * line.Price / 100;
-    if (kept >= base) return std::nullopt;
+    if (ReachesPrice(kept, base)) return std::nullopt;
     return UnitGain{base - kept};
   }
   return UnitGain{base - action.DisPrice, false};
@@ -109,7 +109,7 @@ bool ProDirectOs::ApplyOsDiscount(const PluCondition& condition, SalePlu& line, 
   const PluAction& action = m_detail.ActionOf(condition);
   const GivenBack earlier = GivenBackOn(line, Info);
   const double units = count.Carry + line.PluCount - earlier.Quantity;
-  double sets = std::floor(units / condition.MinNum);
+  double sets = std::floor(Quotient(units, condition.MinNum));
   if (Same(Info.MaxYhType, LimitKind::kQuantity) && left < sets) {
     sets = left;
     count.Carry = units - condition.MinNum * left;
@@ -118,13 +118,13 @@ bool ProDirectOs::ApplyOsDiscount(const PluCondition& condition, SalePlu& line, 
   }
   if (PrintsAsZero(sets)) return true;
 
-  const double base = RoundMoney((earlier.Money + line.Total) / line.PluCount);
+  const double base = RoundMoney(Quotient(earlier.Money + line.Total, line.PluCount));
   const std::optional<UnitGain> gain = GainByAction(action, line, base);
   if (!gain) return false;
   const double money = gain->Money * sets;
   if (gain->ChangesLine) {
     line.Total -= money;
-    line.FinalPrice = line.Total / line.PluCount;
+    line.FinalPrice = Quotient(line.Total, line.PluCount);
     line.DisNum = sets;
     count.Applied += sets;
     work.Changed.push_back(line);

@@ -1,5 +1,7 @@
 #include "promo/mz/GiftChoice.h"
 
+#include "base/Numbers.h"
+
 namespace Corvane {
 
 namespace {
@@ -7,7 +9,7 @@ namespace {
 std::int32_t CheckGroup(const SaleProGift& group, double& used) {
   double moneyLeft = group.Total;
   for (const PluAddAction& row : group.Rows) {
-    const double picks = row.BaseDscNum == 0 ? 0 : row.HgPluCount / row.BaseDscNum;
+    const double picks = Quotient(row.HgPluCount, row.BaseDscNum);
     if (row.SaleMaxIn > 0 && row.HgPluCount > row.SaleMaxIn) return GiftAnswer::kNumberOverflow;
     const double cost = row.BaseConNum * picks;
     // Only goods that cost money are tested against what the sale brought; free ones just use it up.

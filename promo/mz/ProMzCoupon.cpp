@@ -91,13 +91,8 @@ double ProMzCoupon::SumOfTiers(const ProMzList& list, double amount) const {
     if (remainder < tier.BaseConNum) continue;
     sum += tier.BaseDscNum;
     Log(Join("真实赠券额", FormatF6(sum)));
-    const std::optional<double> left = GiveFurtherSteps(tier, remainder, list.MaxDiscount, sum);
-    if (!left) {
-      LogTooManyRepeats(Info.BillNo);
-      return 0;
-    }
     // Unlike in the reduction, a tier may always leave less than nothing.
-    remainder = *left;
+    remainder = GiveFurtherSteps(tier, remainder, list.MaxDiscount, sum);
   }
   return sum;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "base/Numbers.h"
 #include "base/Walk.h"
 #include "engine/Log.h"
 #include "promo/Statement.h"
@@ -77,7 +78,7 @@ ProMzFree::GiftGoods ProMzFree::FindGiftGoods(const PluAddAction& tier, ProSale&
   GiftGoods goods;
   for (SalePlu& line : sale.Plus) {
     if (!Same(line.PluCode, tier.PluCode)) continue;
-    goods.Price = line.Total / line.PluCount;
+    goods.Price = Quotient(line.Total, line.PluCount);
     goods.Lines.push_back(&line);
     goods.Count += GetCalcCount(line, Info, sale.Plus);
     goods.Money += GetLineLeftTotal(line, Info.Primary, Info.ProType);
@@ -88,23 +89,18 @@ ProMzFree::GiftGoods ProMzFree::FindGiftGoods(const PluAddAction& tier, ProSale&
 /// Gives a tier's gift out of goods counted in the unit of its threshold, and writes it onto their lines.
 ///
 /// @param goodsValue in and out: what is left of the goods.
-/// @return false when the tier is not reached, has no goods left or too many steps; nothing has changed then.
+/// @return false when the tier is not reached or has no goods left; nothing has changed then.
 bool ProMzFree::FreeFromTier(const PluAddAction& tier, const GiftGoods& goods, double& goodsValue, Work& work) const {
   if (tier.BaseConNum > work.Condition || goodsValue == 0) return false;
   const std::optional<TierGift> gift = GiftAtThreshold(tier, goodsValue, goods.Price);
   if (!gift) return true;
 
   const double cap = goodsValue > gift->Limit ? gift->Limit : goodsValue;
-  double goodsLeft = goodsValue - gift->Amount;
-  double conditionLeft = work.Condition - tier.BaseConNum;
+  goodsValue -= gift->Amount;
+  work.Condition -= tier.BaseConNum;
   double amount = gift->Amount;
-  if (!FreeRepeated(CountSteps(tier, conditionLeft), StepSizeOf(tier), gift->StepGift, cap, goodsLeft, conditionLeft,
-                    amount)) {
-    LogTooManyRepeats(Info.BillNo);
-    return false;
-  }
-  goodsValue = goodsLeft;
-  work.Condition = conditionLeft;
+  FreeRepeated(CountSteps(tier, work.Condition), StepSizeOf(tier), gift->StepGift, cap, goodsValue, work.Condition,
+               amount);
 
   const bool countsQuantity = Same(tier.BaseConTp, TierUnit::kQuantity);
   const double money = countsQuantity ? amount * goods.Price : amount;
@@ -170,27 +166,30 @@ void ProMzFree::TakeQuantity(double excess, const Work& work) const {
   }
 }
 
-bool FreeRepeated(std::int32_t count, double step, double stepGift, double cap, double& goodsValue,
+void FreeRepeated(std::int32_t count, double step, double stepGift, double cap, double& goodsValue,
                   double& conditionValue, double& given) {
   if (ReachesCap(given, cap)) {
     given = cap;
     goodsValue = 0;
-    return true;
+    return;
   }
-  if (goodsValue == 0) return true;
-  for (std::int32_t round = 0; round < count; ++round) {
-    if (round == kMaxRepeats) return false;
+  if (goodsValue == 0) return;
+  for (std::int64_t left = count; left > 0;) {
     const double gift = goodsValue < stepGift ? goodsValue : stepGift;
-    goodsValue -= gift;
-    conditionValue -= step;
-    const double sum = given + gift;
-    if (ReachesCap(sum, cap)) {
-      given = cap;
-      return true;
-    }
-    given = sum;
+    RepeatedSum goods(goodsValue, -gift);
+    RepeatedSum condition(conditionValue, -step);
+    RepeatedSum sum(given, gift);
+    const std::int64_t rounds = RoundsAtOnce(
+        std::min({left, goods.EvenRoundsAbove(stepGift), condition.EvenRounds(), EvenRoundsBelowCap(sum, cap)}));
+    goods.Add(rounds);
+    condition.Add(rounds);
+    sum.Add(rounds);
+    left -= rounds;
+    goodsValue = goods.Value();
+    conditionValue = condition.Value();
+    given = ReachesCap(sum.Value(), cap) ? cap : sum.Value();
+    if (ReachesCap(given, cap)) return;
   }
-  return true;
 }
 
 }  // namespace Corvane

@@ -67,9 +67,8 @@ class ProMzFree : public ProBase {
 /// @param goodsValue     in and out: what is left of the goods.
 /// @param conditionValue in and out: what is left of the condition.
 /// @param given          in and out: what is given, in the unit of the goods value.
-/// @return false when kMaxRepeats steps were not enough; the values are of no use then.
-[[nodiscard]] bool FreeRepeated(std::int32_t count, double step, double stepGift, double cap, double& goodsValue,
-                                double& conditionValue, double& given);
+void FreeRepeated(std::int32_t count, double step, double stepGift, double cap, double& goodsValue,
+                  double& conditionValue, double& given);
 
 }  // namespace Corvane
 

@@ -101,21 +101,20 @@ double ProMzPay::PaySum(const ProSale& sale) const {
 /// Walks from the highest step down; each is taken as often as the payment allows, up to the rule's cap or the money of
 /// the goods.
 ProMzPay::Reduction ProMzPay::WalkSteps(double paySum, double goodsMoney) const {
+  const double ceiling = std::min(m_control.PriceTotal, goodsMoney);
   Reduction taken{0, 0, paySum};
-  std::int32_t rounds = 0;
   for (const PluAction& step : LastToFirst(m_steps)) {
     const double gain = step.DisPrice - step.DisRate;
     while (!(step.DisPrice > taken.Left)) {
-      const Reduction next{taken.Given + gain, taken.Used + step.DisPrice, taken.Left - step.DisPrice};
-      if (next.Given >= m_control.PriceTotal || next.Given >= goodsMoney) {
-        return {std::min(m_control.PriceTotal, goodsMoney), next.Used, next.Left};
-      }
+      const Reduction next = TakeStep(taken, step.DisPrice, gain, ceiling);
+      if (next.Given >= ceiling) return {ceiling, next.Used, next.Left};
       // A step that takes no payment and brings no gain would stand next for ever.
       if (!(step.DisPrice > 0) && !(gain > 0)) {
         Log(Join("支付阶梯的DisPrice不大于0且没有优惠，停止计算，促销单号：", Info.BillNo));
         return taken;
       }
-      if (rounds++ == kMaxRepeats) {
+      // And so would one that is lost in the digits of what was paid and given.
+      if (next.Given == taken.Given && next.Left == taken.Left) {
         LogTooManyRepeats(Info.BillNo);
         return {};
       }
@@ -123,6 +122,19 @@ ProMzPay::Reduction ProMzPay::WalkSteps(double paySum, double goodsMoney) const 
     }
   }
   return taken;
+}
+
+/// Takes a step, and as many repetitions of it as are sure to stay within payment and ceiling: at least once.
+ProMzPay::Reduction ProMzPay::TakeStep(const Reduction& taken, double price, double gain, double ceiling) {
+  RepeatedSum given(taken.Given, gain);
+  RepeatedSum used(taken.Used, price);
+  RepeatedSum left(taken.Left, -price);
+  const std::int64_t rounds =
+      RoundsAtOnce(std::min({given.EvenRoundsBelow(ceiling), used.EvenRounds(), left.EvenRoundsAbove(price)}));
+  given.Add(rounds);
+  used.Add(rounds);
+  left.Add(rounds);
+  return {given.Value(), used.Value(), left.Value()};
 }
 
 ProResult ProMzPay::NewRow(Text vipType) const {
@@ -150,8 +162,8 @@ void ProMzPay::WriteLineResults(const Reduction& reduction, Text vipType, ProSal
   double rest = reduction.Given;
   for (SalePlu& line : LastToFirst(sale.Plus)) {
     ProResult row = NewRow(vipType);
-    row.DisMoney = CeilToCents(reduction.Given * line.Total / whole);
-    row.BaseMoney = line.Total * reduction.Used / whole;
+    row.DisMoney = CeilToCents(Quotient(reduction.Given * line.Total, whole));
+    row.BaseMoney = Quotient(line.Total * reduction.Used, whole);
     rest -= row.DisMoney;
     // The sale's first line comes last and takes what the rounding left, so that the rows add up.
     if (&line == &sale.Plus.front()) row.DisMoney += rest;

@@ -56,6 +56,7 @@ class ProMzPay : public ProBase {
   void ReadOwnGroup(const TiXmlElement& group);
   double PaySum(const ProSale& sale) const;
   Reduction WalkSteps(double paySum, double goodsMoney) const;
+  static Reduction TakeStep(const Reduction& taken, double price, double gain, double ceiling);
   ProResult NewRow(Text vipType) const;
   void WriteSaleResult(const Reduction& reduction, Text vipType, ProSale& sale) const;
   void WriteLineResults(const Reduction& reduction, Text vipType, ProSale& sale) const;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "base/Numbers.h"
 #include "base/Walk.h"
 #include "engine/Log.h"
 #include "promo/DetailQuery.h"
@@ -95,7 +96,7 @@ void ProMzPlu::CalcTier(const PluAddAction& tier, const LinePtrs& singleLines, P
   const std::vector<PluCondition> condition = ConditionOf(tier);
   // Nothing changes the lines while they are chosen, so their quantities are counted on the sale's own.
   const RuleLines chosen = SelectRuleLinePtrs(Info, SplitRows(condition), singleLines, sale.Plus);
-  const double meanPrice = chosen.Money / chosen.Quantity;
+  const double meanPrice = Quotient(chosen.Money, chosen.Quantity);
   double value = ValueFor(tier, chosen);
   double gift = 0;
   if (!GiveFromTier(tier, meanPrice, value, gift)) return;
@@ -116,7 +117,7 @@ void ProMzPlu::CalcTier(const PluAddAction& tier, const LinePtrs& singleLines, P
 ///
 /// @param value in and out: what is left of the chosen goods.
 /// @param given in and out: the money given.
-/// @return false when the tier is not reached, or has too many steps; nothing has changed then.
+/// @return false when the tier is not reached; nothing has changed then.
 bool ProMzPlu::GiveFromTier(const PluAddAction& tier, double price, double& value, double& given) const {
   if (tier.BaseConNum > value) return false;
   const bool countsQuantity = Same(tier.BaseConTp, TierUnit::kQuantity);
@@ -127,10 +128,7 @@ bool ProMzPlu::GiveFromTier(const PluAddAction& tier, double price, double& valu
   if (const std::optional<TierGift> gift = GiftAtThreshold(tier, rest, price)) {
     double left = rest - gift->Amount;
     amount = gift->Amount;
-    if (!GiveRepeated(CountSteps(tier, left), StepSizeOf(tier), gift->StepGift, gift->Limit, left, amount)) {
-      LogTooManyRepeats(Info.BillNo);
-      return false;
-    }
+    GiveRepeated(CountSteps(tier, left), StepSizeOf(tier), gift->StepGift, gift->Limit, left, amount);
     value = left;
   }
   given += countsQuantity ? amount * price : amount;
@@ -164,27 +162,28 @@ void ProMzPlu::TakeFromLastLine(const PluAddAction& tier, SalePlu& line, double 
   }
 }
 
-bool GiveRepeated(std::int32_t count, double step, double stepGift, double cap, double& value, double& given) {
+void GiveRepeated(std::int32_t count, double step, double stepGift, double cap, double& value, double& given) {
   if (ReachesCap(given, cap)) {
     given = cap;
     value = 0;
-    return true;
+    return;
   }
-  for (std::int32_t round = 0; round < count; ++round) {
-    if (round == kMaxRepeats) return false;
+  for (std::int64_t left = count; left > 0;) {
     const double behindStep = value - step;
     const double gift = behindStep > stepGift ? stepGift : behindStep;
     // A round without a gift changes nothing, and so would all rounds to come.
-    if (gift <= 0) return true;
-    value -= step + gift;
-    const double sum = given + gift;
-    if (ReachesCap(sum, cap)) {
-      given = cap;
-      return true;
-    }
-    given = sum;
+    if (gift <= 0) return;
+    RepeatedSum rest(value, -(step + gift));
+    RepeatedSum sum(given, gift);
+    const std::int64_t rounds =
+        RoundsAtOnce(std::min({left, rest.EvenRoundsAbove(step + stepGift), EvenRoundsBelowCap(sum, cap)}));
+    rest.Add(rounds);
+    sum.Add(rounds);
+    left -= rounds;
+    value = rest.Value();
+    given = ReachesCap(sum.Value(), cap) ? cap : sum.Value();
+    if (ReachesCap(given, cap)) return;
   }
-  return true;
 }
 
 }  // namespace Corvane

@@ -44,9 +44,7 @@ class ProMzPlu : public ProBase {
 /// @param cap   the most that is given; 0 means none. A gift that has reached it before the first step leaves no value.
 /// @param value in and out: what is left of the goods.
 /// @param given in and out: what is given, in the same unit.
-/// @return false when kMaxRepeats steps were not enough; `value` and `given` are of no use then.
-[[nodiscard]] bool GiveRepeated(std::int32_t count, double step, double stepGift, double cap, double& value,
-                                double& given);
+void GiveRepeated(std::int32_t count, double step, double stepGift, double cap, double& value, double& given);
 
 }  // namespace Corvane
 

@@ -3,7 +3,6 @@
 #include <QSqlQuery>
 #include <algorithm>
 #include <cstdint>
-#include <optional>
 #include <utility>
 
 #include "base/Walk.h"
@@ -132,13 +131,9 @@ double ProMzReduce::SumOfTiers(const ProMzList& list, double amount) const {
   for (const PluAddAction& tier : list.Tiers) {
     if (remainder < tier.BaseConNum) continue;
     sum += tier.BaseDscNum;
-    const std::optional<double> left = GiveFurtherSteps(tier, remainder, list.MaxDiscount, sum);
-    if (!left) {
-      LogTooManyRepeats(Info.BillNo);
-      return 0;
-    }
+    const double left = GiveFurtherSteps(tier, remainder, list.MaxDiscount, sum);
     // A tier that repeats its threshold leaves nothing at least; with a step of its own it may leave less than nothing.
-    remainder = tier.AddConNum == 0 ? std::max(*left, 0.0) : *left;
+    remainder = tier.AddConNum == 0 ? std::max(left, 0.0) : left;
   }
   return sum;
 }

@@ -67,10 +67,7 @@ float ProMzUseCoupon::SumOfTiers(const ProMzList& list, double amount) const {
     }
     sum = ToSingle(sum + tier.BaseDscNum);
     const FurtherSteps steps = FurtherStepsOf(tier, capped);
-    if (!AddRepeatedSingle(steps.Count, ToSingle(steps.Gift), ToSingle(list.MaxDiscount), sum)) {
-      LogTooManyRepeats(Info.BillNo);
-      return 0;
-    }
+    AddRepeatedSingle(steps.Count, ToSingle(steps.Gift), ToSingle(list.MaxDiscount), sum);
     const double base = ReachesCap(sum, list.MaxDiscount) ? 0 : capped;
     remainder = ToSingle(base - (tier.BaseConNum + steps.Count * steps.Size) + addOn);
   }

@@ -1,5 +1,7 @@
 #include "promo/mz/ProportionalLimit.h"
 
+#include "base/Numbers.h"
+
 namespace Corvane {
 
 namespace {
@@ -20,7 +22,8 @@ void LimitInProportion(const ProInfo& rule, ProSale& sale) {
   double sum = 0;
   ForEachResult(sale, rule.BillNo, [&](const ProResult& row) { sum += row.DisMoney; });
   if (!(sum - rule.MaxYhValue > 0.01)) return;
-  ForEachResult(sale, rule.BillNo, [&](ProResult& row) { row.DisMoney = row.DisMoney * rule.MaxYhValue / sum; });
+  ForEachResult(sale, rule.BillNo,
+                [&](ProResult& row) { row.DisMoney = Quotient(row.DisMoney * rule.MaxYhValue, sum); });
 }
 
 }  // namespace Corvane

@@ -18,8 +18,8 @@ TierGift QuantityByQuantity(const PluAddAction& tier, double pool) {
 
 TierGift MoneyByQuantity(const PluAddAction& tier, double pool, double price) {
   const double money = std::min(pool * price, tier.BaseDscNum);
-  const double quantity = money / price;
-  return {quantity, quantity, StepGiftOf(tier) / price, tier.SaleMaxIn / price};
+  const double quantity = Quotient(money, price);
+  return {quantity, quantity, Quotient(StepGiftOf(tier), price), Quotient(tier.SaleMaxIn, price)};
 }
 
 TierGift MoneyByMoney(const PluAddAction& tier, double pool) {
@@ -28,7 +28,7 @@ TierGift MoneyByMoney(const PluAddAction& tier, double pool) {
 }
 
 TierGift QuantityByMoney(const PluAddAction& tier, double pool, double price) {
-  const double quantity = std::min(pool / price, tier.BaseDscNum);
+  const double quantity = std::min(Quotient(pool, price), tier.BaseDscNum);
   return {quantity * price, quantity, StepGiftOf(tier) * price, tier.SaleMaxIn * price};
 }
 
@@ -46,7 +46,9 @@ std::optional<TierGift> GiftAtThreshold(const PluAddAction& tier, double pool, d
   return std::nullopt;
 }
 
-std::int32_t CountSteps(const PluAddAction& tier, double amount) { return TruncToInt32(amount / StepSizeOf(tier)); }
+std::int32_t CountSteps(const PluAddAction& tier, double amount) {
+  return TruncToInt32(Quotient(amount, StepSizeOf(tier)));
+}
 
 bool SharesGoods(const PluAddAction& left, const PluAddAction& right) {
   return Same(left.BaseConTp, right.BaseConTp) && Same(left.PluCode, right.PluCode) &&

@@ -9,27 +9,15 @@ namespace Corvane {
 
 namespace {
 
-template <class Number>
-bool AddRepeatedIn(Number (*store)(double), std::int32_t count, Number step, Number cap, Number& total) {
-  if (ReachesCap(total, cap)) {
-    total = cap;
-    return true;
+/// @return the sum after `count` additions, or the cap.
+double AddUpTo(double cap, std::int64_t count, RepeatedSum sum) {
+  while (count > 0 && !ReachesCap(sum.Value(), cap)) {
+    const std::int64_t rounds = RoundsAtOnce(std::min(count, EvenRoundsBelowCap(sum, cap)));
+    sum.Add(rounds);
+    count -= rounds;
   }
-  for (std::int32_t round = 0; round < count; ++round) {
-    if (round == kMaxRepeats) return false;
-    const Number next = store(static_cast<double>(total) + static_cast<double>(step));
-    // An addition that changes nothing changes nothing in all rounds to come.
-    if (next == total) return true;
-    total = next;
-    if (ReachesCap(total, cap)) {
-      total = cap;
-      return true;
-    }
-  }
-  return true;
+  return ReachesCap(sum.Value(), cap) ? cap : sum.Value();
 }
-
-double AsItIs(double value) { return value; }
 
 }  // namespace
 
@@ -41,12 +29,16 @@ void SortTiersDown(std::vector<PluAddAction>& tiers) {
   });
 }
 
-bool AddRepeated(std::int32_t count, double step, double cap, double& total) {
-  return AddRepeatedIn(AsItIs, count, step, cap, total);
+void AddRepeated(std::int32_t count, double step, double cap, double& total) {
+  total = AddUpTo(cap, count, RepeatedSum(total, step));
 }
 
-bool AddRepeatedSingle(std::int32_t count, float step, float cap, float& total) {
-  return AddRepeatedIn(ToSingle, count, step, cap, total);
+void AddRepeatedSingle(std::int32_t count, float step, float cap, float& total) {
+  total = ToSingle(AddUpTo(cap, count, RepeatedSum(total, step, RepeatedSum::Precision::Single)));
+}
+
+std::int64_t EvenRoundsBelowCap(const RepeatedSum& sum, double cap) {
+  return cap == 0 ? sum.EvenRounds() : sum.EvenRoundsBelow(cap);
 }
 
 FurtherSteps FurtherStepsOf(const PluAddAction& tier, double amount) {
@@ -54,15 +46,15 @@ FurtherSteps FurtherStepsOf(const PluAddAction& tier, double amount) {
   const bool repeatsBase = tier.AddConNum == 0;
   steps.Size = repeatsBase ? tier.BaseConNum : tier.AddConNum;
   steps.Gift = repeatsBase ? tier.BaseDscNum : tier.AddDscNum;
-  steps.Count = TruncToInt32((amount - tier.BaseConNum) / steps.Size);
+  steps.Count = TruncToInt32(Quotient(amount - tier.BaseConNum, steps.Size));
   return steps;
 }
 
-std::optional<double> GiveFurtherSteps(const PluAddAction& tier, double remainder, double cap, double& sum) {
+double GiveFurtherSteps(const PluAddAction& tier, double remainder, double cap, double& sum) {
   const bool isAbove = tier.SaleMaxIn != 0 && remainder > tier.SaleMaxIn;
   const double amount = isAbove ? tier.SaleMaxIn : remainder;
   const FurtherSteps steps = FurtherStepsOf(tier, amount);
-  if (!AddRepeated(steps.Count, steps.Gift, cap, sum)) return std::nullopt;
+  AddRepeated(steps.Count, steps.Gift, cap, sum);
   const double base = ReachesCap(sum, cap) ? 0 : amount;
   return base - (tier.BaseConNum + steps.Count * steps.Size);
 }

@@ -3,9 +3,9 @@
 
 #include <cmath>
 #include <cstdint>
-#include <optional>
 #include <vector>
 
+#include "base/RepeatedSum.h"
 #include "base/Text.h"
 #include "sale/SaleRecords.h"
 
@@ -20,12 +20,7 @@ constexpr Text kMoney = "SUM";
 constexpr Text kQuantity = "NUM";
 }  // namespace TierUnit
 
-/// The most rounds of one repetition. The largest sales hold a few thousand steps. A repetition that has not ended by
-/// then comes from a step that makes no sense and would stand still the till: the tier's offer gives nothing then, and
-/// the log says so.
-constexpr std::int32_t kMaxRepeats = 10'000'000;
-
-/// Logs that an offer of the rule ran into kMaxRepeats and gives nothing.
+/// Logs that an offer of the rule would never come to an end and gives nothing.
 void LogTooManyRepeats(Text billNo);
 
 /// Order of numbers for sorting: `left < right`, and what is no number behind all numbers.
@@ -56,11 +51,13 @@ inline bool ReachesCap(double sum, double cap) { return cap != 0 && sum >= cap; 
 /// rounding is part of the result.
 ///
 /// @param cap 0 means none.
-/// @return false when kMaxRepeats additions were not enough; `total` is of no use then.
-[[nodiscard]] bool AddRepeated(std::int32_t count, double step, double cap, double& total);
+void AddRepeated(std::int32_t count, double step, double cap, double& total);
 
 /// AddRepeated in single precision: the additions are made in double precision, and each total is stored in single.
-[[nodiscard]] bool AddRepeatedSingle(std::int32_t count, float step, float cap, float& total);
+void AddRepeatedSingle(std::int32_t count, float step, float cap, float& total);
+
+/// How many further additions are sure to leave a sum below a cap, and may be made at once; a cap of 0 is none.
+std::int64_t EvenRoundsBelowCap(const RepeatedSum& sum, double cap);
 
 /// The steps that a tier gives beyond its threshold.
 struct FurtherSteps {
@@ -70,7 +67,7 @@ struct FurtherSteps {
 };
 
 /// The further steps that fit into `amount`. There is no tolerance: an amount a hair short of a step doesn't count it.
-/// A step size of 0 gives the smallest integer as count, and so no steps.
+/// A step size of 0 makes no steps.
 FurtherSteps FurtherStepsOf(const PluAddAction& tier, double amount);
 
 /// Gives the further steps of a tier that was reached.
@@ -78,8 +75,8 @@ FurtherSteps FurtherStepsOf(const PluAddAction& tier, double amount);
 /// @param remainder what reached the tier. What lies above the tier's `SaleMaxIn` is dropped; lower tiers don't see it.
 /// @param cap       cap of the sum; 0 means none. When it is reached, nothing is left for lower tiers.
 /// @param sum       in and out: what the offer gives.
-/// @return the new remainder, which may be negative; nothing after too many repeats, and `sum` is of no use then.
-std::optional<double> GiveFurtherSteps(const PluAddAction& tier, double remainder, double cap, double& sum);
+/// @return the new remainder, which may be negative.
+double GiveFurtherSteps(const PluAddAction& tier, double remainder, double cap, double& sum);
 
 }  // namespace Corvane
 

@@ -240,15 +240,11 @@ TEST_F(CouponGiving, ATinyDenominationEndsAndTheLogSaysSo) {
   EXPECT_EQ(Held(next.Out, "ProResult", "DisMoney"), Texts{"10.00"});
 }
 
-TEST_F(CouponGiving, StepsBeyondAllReasonEndTheSchemeAndTheLogSaysSo) {
-  Give(OfferXml("ALL", TierXml("1", "0.5", "0.0000001", "0.01"), Coupon()));
-  MzPromotion(OneLineOf("200"));
-  EXPECT_EQ(Naming(AfterReading(TakeLog()), "Q1"), 1);
+// (200 - 1) / 0.0000001 = 1,990,000,000 steps of 0.5, and 0.5 for the threshold.
+TEST_F(CouponGiving, StepsAreNotBounded) {
+  Give(OfferXml("ALL", TierXml("1", "0.5", "0.0000001", "0.5"), Coupon()));
 
-  Give(OfferXml("ALL", TierXml("100", "10"), Coupon()), "", "Q2");
-  Clear("Q1");
-  const Answer next = Calc("another till", "MzPromotion", OneLineOf("100"));
-  EXPECT_EQ(Held(next.Out, "ProResult", "DisMoney"), Texts{"10.00"});
+  EXPECT_EQ(Held(MzPromotion(OneLineOf("200")), "ProResult", "DisMoney"), Texts{"995000000.50"});
 }
 
 TEST_F(CouponGiving, ARuleOfTheNumberStarGivesNoCoupons) {

@@ -234,8 +234,8 @@ TEST_F(ResultWriting, TheMemberPriceAndTheEarlierDiscountAreCut) {
 }
 
 TEST_F(ResultWriting, ANumberThatNoWholeNumberHoldsIsTheSmallestOne) {
-  const Row line = WriteLine(R"(SerialNo="1" Total="1" PluCount="1" VipPrice="1e10" YhBefore="-1e10" PackCnt="nan" )"
-                             R"(PluDtId="1e300" PageNo="inf" LnNo="2147483647.9")");
+  const Row line = WriteLine(R"(SerialNo="1" Total="1" PluCount="1" VipPrice="1e10" YhBefore="-1e10" PackCnt="1e300" )"
+                             R"(PluDtId="1e300" PageNo="-1e300" LnNo="2147483647.9")");
 
   EXPECT_EQ(line["VipPrice"], "-2147483648");
   EXPECT_EQ(line["YhBefore"], "-2147483648");

@@ -86,7 +86,33 @@ TEST_F(SaleReading, LinesWithoutANumberAreLineZero) {
 TEST_F(SaleReading, ThePriceOfALineIsItsTotalByItsQuantityWhateverItsXmlSays) {
   EXPECT_EQ(ReadLine(R"(SerialNo="1" FinalPrice="9.99" Total="20" PluCount="2")")["FinalPrice"], "10.0000");
   EXPECT_EQ(ReadLine(R"(SerialNo="1" Total="10" PluCount="3" FinalPrice="1")")["FinalPrice"], "3.3333");
-  EXPECT_EQ(ReadLine(R"(SerialNo="1" Total="5" PluCount="0")")["FinalPrice"], "inf");
+  EXPECT_EQ(ReadLine(R"(SerialNo="1" Total="5" PluCount="0")")["FinalPrice"], "0.0000");
+  EXPECT_EQ(ReadLine(R"(SerialNo="1" Total="0" PluCount="0")")["FinalPrice"], "0.0000");
+}
+
+TEST_F(SaleReading, ANumberThatIsNotFiniteReadsAsZero) {
+  for (const std::string value : {"inf", "-inf", "nan", "1e999", "-1e999"}) {
+    SCOPED_TRACE(value);
+    const Row line = ReadLine("SerialNo=\"1\" Price=\"" + value + "\" PluCount=\"" + value + "\" Total=\"" + value +
+                              "\" VipPrice=\"" + value + "\" PackCnt=\"" + value + "\"");
+    EXPECT_EQ(line["Price"], "0.00");
+    EXPECT_EQ(line["PluCount"], "0.00");
+    EXPECT_EQ(line["Total"], "0.00");
+    EXPECT_EQ(line["FinalPrice"], "0.0000");
+    EXPECT_EQ(line["VipPrice"], "0");
+    EXPECT_EQ(line["PackCnt"], "0");
+  }
+}
+
+// They differ in the low 32 bits, which is what stays of them.
+TEST_F(SaleReading, SerialNumbersOfElevenDigitsStayDifferentLines) {
+  const Answer sale =
+      Run("All", SaleXml(R"(<Row SerialNo="20240615001" PluCode="A" Price="1" PluCount="1" Total="1"/>)"
+                         R"(<Row SerialNo="20240615002" PluCode="B" Price="2" PluCount="1" Total="2"/>)"
+                         R"(<Row SerialNo="20240615003" PluCode="C" Price="3" PluCount="1" Total="3"/>)"));
+
+  EXPECT_THAT(LinesOf(sale.Out), ElementsAre("-1234221479 A 1.00 x 1.00 = 1.00", "-1234221478 B 1.00 x 2.00 = 2.00",
+                                             "-1234221477 C 1.00 x 3.00 = 3.00"));
 }
 
 TEST_F(SaleReading, ALineKeepsTheSaleNumberThatItCameWith) {

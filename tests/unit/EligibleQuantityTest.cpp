@@ -172,6 +172,22 @@ TEST_F(CalcCount, MayBeNegative) {
   EXPECT_EQ(GetCalcCount(line, Rule("R1", "PTXS", "PT"), {}), -1);
 }
 
+// 0.751 - 0.25 - 0.25 - 0.251 is 2.8e-17.
+TEST_F(CalcCount, WhatThreeRulesFillIsExactlyFull) {
+  const SalePlu line =
+      LineWith(0.751, {Row("A", "PTXS", "PT", 0.25), Row("B", "PTXS", "PT", 0.25), Row("C", "PTXS", "PT", 0.251)});
+  EXPECT_EQ(GetCalcCount(line, ruletest::Rule("R", "PTXS", "PT"), {}), 0);
+}
+
+// 0.3 - 0.1 - 0.2 is -2.8e-17.
+TEST_F(CalcCount, ARoomOfNoiseIsZero) {
+  const SalePlu other = LineWith(5, {Row("R", "PTXS", "PT", 0.1), Row("R", "PTXS", "PT", 0.2)});
+  ProInfo rule = ruletest::Rule("R", "PTXS", "PT");
+  rule.MaxYhType = "2";
+  rule.MaxYhValue = 0.3;
+  EXPECT_EQ(GetCalcCount(LineWith(5, {}), rule, {other}), 0);
+}
+
 TEST_F(CalcCount, TwoRulesOfTheTypePtosNeverShareALine) {
   EXPECT_EQ(GetCalcCount(LineWith(10, {Row("R2", "PTOS", "PT", 0.01)}), Rule("R1", "PTOS", "PT"), {}), 0);
   EXPECT_EQ(GetCalcCount(LineWith(10, {Row("R2", "PTOS", "PT", 0)}), Rule("R1", "PTOS", "DJ"), {}), 0);

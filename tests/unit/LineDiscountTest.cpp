@@ -96,6 +96,41 @@ TEST_F(LineDiscount, ASetPriceThatIsNotBelowTheBaseGivesNothing) {
   EXPECT_EQ(m_applied, 0);
 }
 
+// 3 x 0.37 = 1.1099999999999999, and a third of that is 0.36999999999999994 or 0.37: no gain either way.
+TEST_F(LineDiscount, ASetPriceEqualToThePriceGivesNothingWhateverTheDigits) {
+  for (const double price : {0.37, 0.38, 0.07, 1.15, 19.99}) {
+    SCOPED_TRACE(price);
+    for (const double count : {3.0, 7.0, 0.751}) {
+      m_line = Line("G1", price, count);
+      EXPECT_FALSE(Apply(SetPrice(price)));
+      EXPECT_FALSE(Apply(Percent(100)));
+      EXPECT_TRUE(m_line.ProResults.empty());
+    }
+  }
+}
+
+// 0.5 - 1 is less than nothing: a combination that took a whole piece of half a kilogram leaves no surcharge behind.
+TEST_F(LineDiscount, AQuantityBelowZeroGivesNothing) {
+  m_line = Line("G1", 10, 0.5);
+  m_line.ProResults.push_back(ruletest::Row("Z", "ZHGD", "DZ", 1));
+  const SalePlu before = m_line;
+  for (const PluAction& action : {SetPrice(8), Percent(80), Less(1)}) EXPECT_FALSE(Apply(action));
+  EXPECT_EQ(m_line.Total, before.Total);
+  EXPECT_EQ(m_line.ProResults.size(), 1U);
+  EXPECT_TRUE(m_changed.empty());
+}
+
+// 0.7 - 0.71 is -0.010000000000000009: a cent, and not less than one.
+TEST_F(LineDiscount, AReductionThatMissesThePriceByACentIsRefusedWhateverTheDigits) {
+  for (const double price : {0.7, 0.5, 10.0, 0.07}) {
+    SCOPED_TRACE(price);
+    m_line = Line("G1", price, 1);
+    EXPECT_TRUE(Apply(Less(price + 0.0099)));
+    m_line = Line("G1", price, 1);
+    EXPECT_FALSE(Apply(Less(price + 0.0101)));
+  }
+}
+
 TEST_F(LineDiscount, ASetPriceOfZeroGivesTheGoodsAway) {
   EXPECT_TRUE(Apply(SetPrice(0)));
   EXPECT_EQ(m_line.Total, 0);
@@ -426,19 +461,15 @@ TEST_F(LineDiscountBelowZero, ASetPriceGivesNothing) {
   ExpectUntouched();
 }
 
-// Only a quantity of exactly 0 is refused, and only a set price refuses money below 0: (10 - 8) * -2 = -4.
-TEST_F(LineDiscountBelowZero, ARateIsTakenBack) {
-  EXPECT_TRUE(Apply(Percent(80)));
-  EXPECT_EQ(m_line.Total, 34);
-  EXPECT_EQ(m_line.DisNum, -2);
-  EXPECT_EQ(m_line.ProResults.at(0).DisNum, -2);
-  EXPECT_EQ(m_line.ProResults.at(0).DisMoney, -4);
+// A rule that is past its limit takes nothing back.
+TEST_F(LineDiscountBelowZero, ARateGivesNothing) {
+  EXPECT_FALSE(Apply(Percent(80)));
+  ExpectUntouched();
 }
 
-TEST_F(LineDiscountBelowZero, AReductionIsTakenBack) {
-  EXPECT_TRUE(Apply(Less(1.5)));
-  EXPECT_EQ(m_line.Total, 33);
-  EXPECT_EQ(m_line.ProResults.at(0).DisMoney, -3);
+TEST_F(LineDiscountBelowZero, AReductionGivesNothing) {
+  EXPECT_FALSE(Apply(Less(1.5)));
+  ExpectUntouched();
 }
 
 // --- The log ---------------------------------------------------------------------------------------------------------

@@ -96,22 +96,9 @@ struct TextToDouble {
 };
 
 TEST_P(Numbers, ToDoubleReadsTheNumberAtTheStartOfTheText) {
-  const TextToDouble rows[] = {{"9.90", 9.9},
-                               {"9.90abc", 9.9},
-                               {"  9.90", 9.9},
-                               {"\t\n\r 9.90 ", 9.9},
-                               {"+3", 3},
-                               {"-.5", -0.5},
-                               {"3.", 3},
-                               {"007", 7},
-                               {"1e2", 100},
-                               {"1e", 1},
-                               {"1e400", kInfinite},
-                               {"-1e400", -kInfinite},
-                               {"1e-400", 0},
-                               {"0x10", 16},
-                               {"inf", kInfinite},
-                               {"-0", -0.0}};
+  const TextToDouble rows[] = {{"9.90", 9.9},    {"9.90abc", 9.9}, {"  9.90", 9.9}, {"\t\n\r 9.90 ", 9.9}, {"+3", 3},
+                               {"-.5", -0.5},    {"3.", 3},        {"007", 7},      {"1e2", 100},          {"1e", 1},
+                               {"1e308", 1e308}, {"1e-400", 0},    {"0x10", 16},    {"-0", -0.0}};
   for (const TextToDouble& row : rows) {
     SCOPED_TRACE(row.Given);
     ExpectSameNumber(Corvane::ToDouble(row.Given), row.Expected);
@@ -131,7 +118,12 @@ TEST_P(Numbers, ToDoubleTakesThePointForTheDecimalSignAndNeverTheComma) {
   EXPECT_EQ(Corvane::ToDouble("1.234,5"), 1.234);
 }
 
-TEST_P(Numbers, ToDoubleReadsNan) { EXPECT_TRUE(std::isnan(Corvane::ToDouble("nan"))); }
+TEST_P(Numbers, ToDoubleOfANumberThatIsNotFiniteIsZero) {
+  for (const Text text : {"nan", "-nan", "NAN(1)", "inf", "-inf", "Infinity", "1e309", "-1e400", "1e999"}) {
+    SCOPED_TRACE(text);
+    ExpectSameNumber(Corvane::ToDouble(text), 0);
+  }
+}
 
 struct TextToInteger {
   Text Given;
@@ -163,11 +155,23 @@ TEST_P(Numbers, ToInt32OfNoNumberIsZero) {
   }
 }
 
-TEST_P(Numbers, ToInt32OutOfRangeIsTheSmallestInteger) {
-  for (const Text text : {"2147483648", "-2147483649", "4294967296", "9223372036854775807", "99999999999999999999999",
-                          "-99999999999999999999999"}) {
-    SCOPED_TRACE(text);
-    EXPECT_EQ(Corvane::ToInt32(text), kSmallest);
+// 20240615001 = 4 x 2^32 + 3060745817, and that less 2^32 is -1234221479. Beyond 64 bits the C library stays at the
+// greatest and the smallest number of 64 bits, whose low 32 bits are all ones and all zeros.
+TEST_P(Numbers, ToInt32OutOfRangeNarrowsSoThatDifferentTextsStayDifferent) {
+  const TextToInteger rows[] = {{"2147483648", kSmallest},
+                                {"2147483649", kSmallest + 1},
+                                {"-2147483649", 2147483647},
+                                {"4294967295", -1},
+                                {"4294967296", 0},
+                                {"4294967298", 2},
+                                {"20240615001", -1234221479},
+                                {"20240615002", -1234221478},
+                                {"9223372036854775807", -1},
+                                {"99999999999999999999999", -1},
+                                {"-99999999999999999999999", 0}};
+  for (const TextToInteger& row : rows) {
+    SCOPED_TRACE(row.Given);
+    EXPECT_EQ(Corvane::ToInt32(row.Given), row.Expected);
   }
 }
 
@@ -190,9 +194,13 @@ TEST_P(Numbers, FormatF2HalvesToEven) {
   ExpectEach(Corvane::FormatF2, rows);
 }
 
-TEST_P(Numbers, FormatF2OfNoFiniteNumberIsThatOfPrintf) {
-  const FormRow rows[] = {{kNan, "nan"}, {std::copysign(kNan, -1), "-nan"}, {kInfinite, "inf"}, {-kInfinite, "-inf"}};
-  ExpectEach(Corvane::FormatF2, rows);
+TEST_P(Numbers, WhatIsNotFinitePrintsAsZero) {
+  for (const double value : {kNan, std::copysign(kNan, -1), kInfinite, -kInfinite}) {
+    EXPECT_EQ(Corvane::FormatF2(value), "0.00");
+    EXPECT_EQ(Corvane::FormatF4(value), "0.0000");
+    EXPECT_EQ(Corvane::FormatF6(value), "0.000000");
+    EXPECT_EQ(Corvane::FormatG6(value), "0");
+  }
 }
 
 TEST_P(Numbers, FormatF2PrintsAllDigitsOfALargeNumber) {
@@ -233,10 +241,7 @@ TEST_P(Numbers, FormatG6HasSixSignificantDigits) {
                           {1000000, "1e+06"},
                           {0.0001, "0.0001"},
                           {0.00001, "1e-05"},
-                          {1e300, "1e+300"},
-                          {kNan, "nan"},
-                          {kInfinite, "inf"},
-                          {-kInfinite, "-inf"}};
+                          {1e300, "1e+300"}};
   ExpectEach(Corvane::FormatG6, rows);
 }
 
@@ -268,24 +273,24 @@ TEST_P(Numbers, RoundMoneyHalvesAwayFromZero) {
   ExpectEach(Corvane::RoundMoney, rows);
 }
 
-TEST_P(Numbers, RoundMoneyLeavesWhatIsNoAmountAsItIs) {
-  const NumberRow rows[] = {{kNan, kNan}, {kInfinite, kInfinite}, {-kInfinite, -kInfinite}, {1e300, 1e300}};
+TEST_P(Numbers, RoundMoneyOfWhatIsNoAmountIsZero) {
+  const NumberRow rows[] = {{kNan, 0}, {kInfinite, 0}, {-kInfinite, 0}, {1e300, 1e300}};
   ExpectEach(Corvane::RoundMoney, rows);
 }
 
 TEST_P(Numbers, RoundThroughF2HalvesToEven) {
-  const NumberRow rows[] = {{0.125, 0.12}, {0.375, 0.38},  {0.625, 0.62}, {-0.125, -0.12},        {1.005, 1},
-                            {2.5e-3, 0},   {-0.001, -0.0}, {kNan, kNan},  {kInfinite, kInfinite}, {1e300, 1e300}};
+  const NumberRow rows[] = {{0.125, 0.12}, {0.375, 0.38},  {0.625, 0.62}, {-0.125, -0.12}, {1.005, 1},
+                            {2.5e-3, 0},   {-0.001, -0.0}, {kNan, 0},     {kInfinite, 0},  {1e300, 1e300}};
   ExpectEach(Corvane::RoundThroughF2, rows);
 }
 
 // 0.005 lies just above half a cent. -0.001 prints as "-0.00", which is another text than "0.00".
 TEST_P(Numbers, PrintsAsZeroComparesThePrintedForm) {
-  for (const double zero : {0.0, -0.0, 0.001, 0.0049}) {
+  for (const double zero : {0.0, -0.0, 0.001, 0.0049, kNan, kInfinite}) {
     SCOPED_TRACE(zero);
     EXPECT_TRUE(Corvane::PrintsAsZero(zero));
   }
-  for (const double other : {0.005, 0.01, -0.001, -0.01, 1.0, kNan, kInfinite}) {
+  for (const double other : {0.005, 0.01, -0.001, -0.01, 1.0}) {
     SCOPED_TRACE(other);
     EXPECT_FALSE(Corvane::PrintsAsZero(other));
   }
@@ -313,10 +318,19 @@ TEST_P(Numbers, CutToCentsAddsHalfACentAndCutsTowardZero) {
 }
 
 // 21474836.47 is the last amount whose cents fit into 32 bits.
-TEST_P(Numbers, CutToCentsOutOfRangeIsTheSmallestInteger) {
-  const NumberRow rows[] = {{21474836.47, 21474836.47}, {21474836.48, -21474836.48}, {1e300, -21474836.48},
-                            {-1e300, -21474836.48},     {kNan, -21474836.48},        {kInfinite, -21474836.48}};
+TEST_P(Numbers, CutToCentsDoesNotWrapAtThirtyTwoBits) {
+  const NumberRow rows[] = {{21474836.47, 21474836.47},
+                            {21474836.48, 21474836.48},
+                            {-30000000, -29999999.99},
+                            {1234567890.125, 1234567890.13},
+                            {kNan, 0},
+                            {kInfinite, 0}};
   ExpectEach(Corvane::CutToCents, rows);
+}
+
+TEST_P(Numbers, CutToCentsOfANegativeFractionOfACentIsPlainZero) {
+  EXPECT_FALSE(std::signbit(Corvane::CutToCents(-0.0049)));
+  EXPECT_FALSE(std::signbit(Corvane::CutToCents(-0.0051)));
 }
 
 // In single precision 2.0000001 is 2, and 16777217 is 16777216.
@@ -397,13 +411,43 @@ TEST_P(Numbers, DivideInt32CutsTowardZero) {
   EXPECT_EQ(Corvane::DivideInt32(6, -3), -2);
 }
 
-TEST_P(Numbers, DivideInt32WithoutAResultIsTheSmallestInteger) {
-  EXPECT_EQ(Corvane::DivideInt32(7, 0), kSmallest);
-  EXPECT_EQ(Corvane::DivideInt32(0, 0), kSmallest);
+TEST_P(Numbers, DivideInt32WithoutAResultIsDefined) {
+  EXPECT_EQ(Corvane::DivideInt32(7, 0), 0);
+  EXPECT_EQ(Corvane::DivideInt32(0, 0), 0);
   EXPECT_EQ(Corvane::DivideInt32(kSmallest, -1), kSmallest);
 }
 
 // --- The host's locale -----------------------------------------------------------------------------------------------
+
+TEST_P(Numbers, AQuotientWhoseDivisorIsZeroIsZero) {
+  EXPECT_EQ(Corvane::Quotient(7, 2), 3.5);
+  EXPECT_EQ(Corvane::Quotient(-7, 2), -3.5);
+  for (const double dividend : {7.0, 0.0, -7.0, kInfinite, kNan}) {
+    SCOPED_TRACE(dividend);
+    ExpectSameNumber(Corvane::Quotient(dividend, 0.0), 0);
+    ExpectSameNumber(Corvane::Quotient(dividend, -0.0), 0);
+  }
+}
+
+TEST_P(Numbers, AQuotientThatIsNoFiniteNumberIsZero) {
+  ExpectSameNumber(Corvane::Quotient(1e300, 1e-300), 0);
+  ExpectSameNumber(Corvane::Quotient(kInfinite, kInfinite), 0);
+  ExpectSameNumber(Corvane::Quotient(1, kNan), 0);
+}
+
+// 0.3 - 0.1 - 0.2 is -2.8e-17.
+TEST_P(Numbers, NoiseIsNothing) {
+  const NumberRow rows[] = {{0.3 - 0.1 - 0.2, 0}, {1e-9, 0}, {-1e-9, 0}, {1.1e-9, 1.1e-9}, {-1.1e-9, -1.1e-9}, {3, 3}};
+  ExpectEach(Corvane::WithoutNoise, rows);
+}
+
+TEST_P(Numbers, APriceReachesAnotherAHairBelowIt) {
+  EXPECT_TRUE(Corvane::ReachesPrice(8, 8));
+  EXPECT_TRUE(Corvane::ReachesPrice(8.01, 8));
+  EXPECT_TRUE(Corvane::ReachesPrice(8 - 0.9e-9, 8));
+  EXPECT_FALSE(Corvane::ReachesPrice(8 - 1.1e-9, 8));
+  EXPECT_TRUE(Corvane::ReachesPrice(30'000'000, 30'000'000)) << "where 1e-9 is less than the last digit";
+}
 
 TEST_P(Numbers, LeaveTheLocaleOfTheHostAlone) {
   const std::string before = std::setlocale(LC_ALL, nullptr);

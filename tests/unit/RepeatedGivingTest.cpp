@@ -33,7 +33,7 @@ TEST_P(RepeatedGiving, Gives) {
   const Giving& row = GetParam();
   double value = row.Value;
   double given = row.Given;
-  EXPECT_TRUE(GiveRepeated(row.Count, row.Step, row.StepGift, row.Cap, value, given));
+  GiveRepeated(row.Count, row.Step, row.StepGift, row.Cap, value, given);
   EXPECT_EQ(value, row.NewValue);
   EXPECT_EQ(given, row.NewGiven);
 }
@@ -63,16 +63,34 @@ INSTANTIATE_TEST_SUITE_P(Branches, RepeatedGiving,
                                            Giving{"AStepOfNothing", 2, 0, 1, 0, 2, 0, 0, 2}),
                          [](const ::testing::TestParamInfo<Giving>& row) { return row.param.Name; });
 
-TEST(RepeatedGivingBound, TooManyRoundsAreRefused) {
-  double value = 1e9;
+// 20,000,000 rounds, each 0.5 + 0.25 of the value.
+TEST(RepeatedGivingBound, RoundsAreNotBounded) {
+  double value = 2e7;
   double given = 0;
-  EXPECT_FALSE(GiveRepeated(kGreatest, 0.0000001, 0.0000001, 0, value, given));
+  GiveRepeated(20'000'000, 0.5, 0.25, 0, value, given);
+  EXPECT_EQ(value, 5'000'000.0);
+  EXPECT_EQ(given, 5'000'000.0);
+}
+
+// 0.1 is no number of two digits: each round is rounded by itself, and so must many rounds at once be.
+TEST(RepeatedGivingBound, ManyRoundsRoundLikeOneByOne) {
+  double value = 700'000;
+  double given = 0;
+  GiveRepeated(3'000'000, 0.1, 0.1, 0, value, given);
+  double valueOneByOne = 700'000;
+  double givenOneByOne = 0;
+  for (int round = 0; round < 3'000'000; ++round) {
+    valueOneByOne -= 0.1 + 0.1;
+    givenOneByOne += 0.1;
+  }
+  EXPECT_EQ(value, valueOneByOne);
+  EXPECT_EQ(given, givenOneByOne);
 }
 
 TEST(RepeatedGivingBound, ACapReachedInTimeEndsAnEnormousCount) {
   double value = 1e9;
   double given = 0;
-  EXPECT_TRUE(GiveRepeated(kGreatest, 0.5, 0.5, 2, value, given));
+  GiveRepeated(kGreatest, 0.5, 0.5, 2, value, given);
   EXPECT_EQ(value, 999'999'996.0);  // four rounds
   EXPECT_EQ(given, 2.0);
 }
@@ -100,7 +118,7 @@ TEST_P(RepeatedFreeing, Gives) {
   double goods = row.Goods;
   double condition = row.Condition;
   double given = row.Given;
-  EXPECT_TRUE(FreeRepeated(row.Count, row.Step, row.StepGift, row.Cap, goods, condition, given));
+  FreeRepeated(row.Count, row.Step, row.StepGift, row.Cap, goods, condition, given);
   EXPECT_EQ(goods, row.NewGoods);
   EXPECT_EQ(condition, row.NewCondition);
   EXPECT_EQ(given, row.NewGiven);
@@ -121,11 +139,34 @@ INSTANTIATE_TEST_SUITE_P(Branches, RepeatedFreeing,
                                            Freeing{"AboveTheCapInARound", 4, 2, 2, 2.5, 8, 8, 1, 6, 6, 2.5}),
                          [](const ::testing::TestParamInfo<Freeing>& row) { return row.param.Name; });
 
-TEST(RepeatedFreeingBound, TooManyRoundsAreRefused) {
-  double goods = 1e9;
-  double condition = 1e9;
+// 4,000,000 rounds take all goods, the other 16,000,000 use up the condition.
+TEST(RepeatedFreeingBound, RoundsAreNotBounded) {
+  double goods = 1e6;
+  double condition = 2e7;
   double given = 0;
-  EXPECT_FALSE(FreeRepeated(kGreatest, 0.0000001, 0.0000001, 0, goods, condition, given));
+  FreeRepeated(20'000'000, 0.5, 0.25, 0, goods, condition, given);
+  EXPECT_EQ(goods, 0.0);
+  EXPECT_EQ(condition, 1e7);
+  EXPECT_EQ(given, 1e6);
+}
+
+TEST(RepeatedFreeingBound, ManyRoundsRoundLikeOneByOne) {
+  double goods = 123456.7;
+  double condition = 700'000;
+  double given = 0.3;
+  FreeRepeated(3'000'000, 0.1, 0.1, 200'000, goods, condition, given);
+  double goodsOneByOne = 123456.7;
+  double conditionOneByOne = 700'000;
+  double givenOneByOne = 0.3;
+  for (int round = 0; round < 3'000'000; ++round) {
+    const double gift = goodsOneByOne < 0.1 ? goodsOneByOne : 0.1;
+    goodsOneByOne -= gift;
+    conditionOneByOne -= 0.1;
+    givenOneByOne += gift;
+  }
+  EXPECT_EQ(goods, goodsOneByOne);
+  EXPECT_EQ(condition, conditionOneByOne);
+  EXPECT_EQ(given, givenOneByOne);
 }
 
 }  // namespace

