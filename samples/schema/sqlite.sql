@@ -4,19 +4,26 @@
 -- rows of a rule name the same goods. So each table is stored by its key, which is the one road to its rows: they come
 -- in the order of their numbers, in every kind of database. An index on the goods could change that order from one day
 -- to the next.
+--
+-- The checks refuse a word that no promotion knows and an amount below 0: the engine would pass such a row over, or take
+-- it for something else, without a word. They ask no more than every promotion that reads the table can live with. A
+-- missing value passes.
+-- SQLite keeps any text in a column of numbers: "1,99" would come out as 0 and the goods for nothing. A text is above every
+-- number, so the upper bound of the checks keeps it out.
 
 -- Ordinary promotions (PTXS, PTPL, PTOS): which goods, and what they get. One row a condition and its action.
 CREATE TABLE tProPrjDirectProAct (
   BillNo        TEXT NOT NULL,
   SerialNo      INTEGER NOT NULL,
   PluCode       TEXT NOT NULL,
-  PluType       TEXT DEFAULT 'PLU',
-  InRange       TEXT DEFAULT 'IN',
-  DscType       TEXT DEFAULT '',
-  DscPrice      REAL DEFAULT 0,
-  DscRate       REAL DEFAULT 0,
-  SaleCount     REAL DEFAULT 0,
-  TradeMaxCount REAL DEFAULT 0,
+  PluType       TEXT DEFAULT 'PLU' CHECK (PluType IN ('PLU', 'CAT', 'BRD')),
+  InRange       TEXT DEFAULT 'IN' CHECK (InRange IN ('IN', 'NOT')),
+  DscType       TEXT DEFAULT '' CHECK (DscType IN ('', 'PRC', 'RAT', '2')),
+  DscPrice      REAL DEFAULT 0 CHECK (DscPrice BETWEEN 0 AND 99999999999999),
+  DscRate       REAL DEFAULT 0 CHECK (DscRate BETWEEN 0 AND 99999999999999),
+  SaleCount     REAL DEFAULT 0 CHECK (SaleCount BETWEEN 0 AND 99999999999999),
+  TradeMaxCount REAL DEFAULT 0 CHECK (TradeMaxCount BETWEEN 0 AND 99999999999999),
+  CHECK (COALESCE(DscType, '') <> '' OR InRange = 'NOT'),
   PRIMARY KEY (BillNo, SerialNo)
 ) WITHOUT ROWID;
 
@@ -25,12 +32,12 @@ CREATE TABLE tProPrjDirectProAct (
 CREATE TABLE tProPrjCombProAct (
   BillNo     TEXT NOT NULL,
   SerialNo   INTEGER NOT NULL,
-  SaleCount  REAL DEFAULT 0,
-  PriceType  TEXT DEFAULT '',
-  PriceTotal REAL DEFAULT 0,
+  SaleCount  REAL DEFAULT 0 CHECK (SaleCount BETWEEN 0 AND 99999999999999),
+  PriceType  TEXT DEFAULT '' CHECK (PriceType IN ('', 'DP', 'TC', '2')),
+  PriceTotal REAL DEFAULT 0 CHECK (PriceTotal BETWEEN 0 AND 99999999999999),
   ProActCode TEXT DEFAULT '',
   ProActname TEXT DEFAULT '',
-  IsRequired INTEGER DEFAULT 0,
+  IsRequired INTEGER DEFAULT 0 CHECK (IsRequired IN (0, 1)),
   PRIMARY KEY (BillNo, SerialNo)
 ) WITHOUT ROWID;
 
@@ -41,10 +48,10 @@ CREATE TABLE tProPrjCombPluSet (
   ProActCode TEXT DEFAULT '',
   PluCode    TEXT NOT NULL,
   PluType    TEXT DEFAULT 'PLU',
-  SaleCount  REAL DEFAULT 0,
-  DscType    TEXT DEFAULT '',
-  DscPrice   REAL DEFAULT 0,
-  DscRate    REAL DEFAULT 0,
+  SaleCount  REAL DEFAULT 0 CHECK (SaleCount BETWEEN 0 AND 99999999999999),
+  DscType    TEXT DEFAULT '' CHECK (DscType IN ('', 'PRC', 'RAT', '2')),
+  DscPrice   REAL DEFAULT 0 CHECK (DscPrice BETWEEN 0 AND 99999999999999),
+  DscRate    REAL DEFAULT 0 CHECK (DscRate BETWEEN 0 AND 99999999999999),
   PRIMARY KEY (BillNo, SerialNo)
 ) WITHOUT ROWID;
 
@@ -54,8 +61,8 @@ CREATE TABLE tProCombConditionAct (
   SerialNo   INTEGER NOT NULL,
   PluCode    TEXT NOT NULL,
   PluType    TEXT DEFAULT 'PLU',
-  SaleCount  REAL DEFAULT 0,
-  PriceTotal REAL DEFAULT 0,
+  SaleCount  REAL DEFAULT 0 CHECK (SaleCount BETWEEN 0 AND 99999999999999),
+  PriceTotal REAL DEFAULT 0 CHECK (PriceTotal BETWEEN 0 AND 99999999999999),
   PRIMARY KEY (BillNo, SerialNo)
 ) WITHOUT ROWID;
 
@@ -63,8 +70,8 @@ CREATE TABLE tProCombConditionAct (
 CREATE TABLE tProPrjCombCtrl (
   BillNo     TEXT NOT NULL,
   SerialNo   INTEGER NOT NULL,
-  PriceTotal REAL DEFAULT 0,
-  CountTotal REAL DEFAULT 0,
+  PriceTotal REAL DEFAULT 0 CHECK (PriceTotal BETWEEN 0 AND 99999999999999),
+  CountTotal REAL DEFAULT 0 CHECK (CountTotal BETWEEN 0 AND 99999999999999),
   PRIMARY KEY (BillNo, SerialNo)
 ) WITHOUT ROWID;
 
@@ -72,10 +79,10 @@ CREATE TABLE tProPrjCombCtrl (
 CREATE TABLE tpromzlist (
   BillNo      TEXT NOT NULL,
   ListCode    TEXT NOT NULL,
-  ConAreaType TEXT DEFAULT 'ALL',
+  ConAreaType TEXT DEFAULT 'ALL' CHECK (ConAreaType IN ('ALL', 'DES')),
   RstAreaType TEXT DEFAULT 'ALL',
-  MaxDiscount REAL DEFAULT 0,
-  DscIntoPlu  TEXT DEFAULT '0',
+  MaxDiscount REAL DEFAULT 0 CHECK (MaxDiscount BETWEEN 0 AND 99999999999999),
+  DscIntoPlu  TEXT DEFAULT '0' CHECK (DscIntoPlu IN ('', '0', '1')),
   PRIMARY KEY (BillNo, ListCode)
 ) WITHOUT ROWID;
 
@@ -86,8 +93,8 @@ CREATE TABLE tProMzConPluSet (
   SerialNo INTEGER NOT NULL,
   DataId   TEXT DEFAULT '0' NOT NULL,
   PluCode  TEXT NOT NULL,
-  PluType  TEXT DEFAULT 'PLU',
-  InRange  TEXT DEFAULT 'IN',
+  PluType  TEXT DEFAULT 'PLU' CHECK (PluType IN ('PLU', 'CAT', 'BRD')),
+  InRange  TEXT DEFAULT 'IN' CHECK (InRange IN ('IN', 'NOT')),
   PRIMARY KEY (BillNo, ListCode, SerialNo, DataId)
 ) WITHOUT ROWID;
 
@@ -96,11 +103,11 @@ CREATE TABLE tProMzDiscountAct (
   BillNo       TEXT NOT NULL,
   ListCode     TEXT NOT NULL,
   DscType      TEXT DEFAULT 'PRC',
-  BaseMoney    REAL DEFAULT 0 NOT NULL,
-  BaseDscMoney REAL DEFAULT 0,
-  AddMoney     REAL DEFAULT 0,
-  AddDscMoney  REAL DEFAULT 0,
-  SaleMaxIn    REAL DEFAULT 0,
+  BaseMoney    REAL DEFAULT 0 NOT NULL CHECK (BaseMoney BETWEEN 0 AND 99999999999999),
+  BaseDscMoney REAL DEFAULT 0 CHECK (BaseDscMoney BETWEEN 0 AND 99999999999999),
+  AddMoney     REAL DEFAULT 0 CHECK (AddMoney BETWEEN 0 AND 99999999999999),
+  AddDscMoney  REAL DEFAULT 0 CHECK (AddDscMoney BETWEEN 0 AND 99999999999999),
+  SaleMaxIn    REAL DEFAULT 0 CHECK (SaleMaxIn BETWEEN 0 AND 99999999999999),
   PRIMARY KEY (BillNo, ListCode, BaseMoney)
 ) WITHOUT ROWID;
 
@@ -109,14 +116,14 @@ CREATE TABLE tProMzScheme (
   BillNo      TEXT NOT NULL,
   SerialNo    INTEGER NOT NULL,
   PluCode     TEXT NOT NULL,
-  BaseConType TEXT DEFAULT 'SUM',
-  BaseConNum  REAL DEFAULT 0,
-  BaseDscType TEXT DEFAULT 'SUM',
-  BaseDscNum  REAL DEFAULT 0,
-  AddConNum   REAL DEFAULT 0,
-  AddDscNum   REAL DEFAULT 0,
-  SaleMaxIn   REAL DEFAULT 0,
-  DscPrice    REAL DEFAULT 0,
+  BaseConType TEXT DEFAULT 'SUM' CHECK (BaseConType IN ('SUM', 'NUM')),
+  BaseConNum  REAL DEFAULT 0 CHECK (BaseConNum BETWEEN 0 AND 99999999999999),
+  BaseDscType TEXT DEFAULT 'SUM' CHECK (BaseDscType IN ('SUM', 'NUM')),
+  BaseDscNum  REAL DEFAULT 0 CHECK (BaseDscNum BETWEEN 0 AND 99999999999999),
+  AddConNum   REAL DEFAULT 0 CHECK (AddConNum BETWEEN 0 AND 99999999999999),
+  AddDscNum   REAL DEFAULT 0 CHECK (AddDscNum BETWEEN 0 AND 99999999999999),
+  SaleMaxIn   REAL DEFAULT 0 CHECK (SaleMaxIn BETWEEN 0 AND 99999999999999),
+  DscPrice    REAL DEFAULT 0 CHECK (DscPrice BETWEEN 0 AND 99999999999999),
   PRIMARY KEY (BillNo, SerialNo)
 ) WITHOUT ROWID;
 
@@ -126,13 +133,13 @@ CREATE TABLE tProMzPluAct (
   SerialNo    INTEGER NOT NULL,
   DataId      TEXT DEFAULT '0' NOT NULL,
   PluCode     TEXT NOT NULL,
-  PluType     TEXT DEFAULT 'PLU',
-  BaseConType TEXT DEFAULT 'NUM',
-  BaseConNum  REAL DEFAULT 0,
-  BaseDscType TEXT DEFAULT 'NUM',
-  BaseDscNum  REAL DEFAULT 0,
-  AddConNum   REAL DEFAULT 0,
-  AddDscNum   REAL DEFAULT 0,
-  SaleMaxIn   REAL DEFAULT 0,
+  PluType     TEXT DEFAULT 'PLU' CHECK (PluType IN ('PLU', 'CAT', 'BRD')),
+  BaseConType TEXT DEFAULT 'NUM' CHECK (BaseConType IN ('SUM', 'NUM')),
+  BaseConNum  REAL DEFAULT 0 CHECK (BaseConNum BETWEEN 0 AND 99999999999999),
+  BaseDscType TEXT DEFAULT 'NUM' CHECK (BaseDscType IN ('SUM', 'NUM')),
+  BaseDscNum  REAL DEFAULT 0 CHECK (BaseDscNum BETWEEN 0 AND 99999999999999),
+  AddConNum   REAL DEFAULT 0 CHECK (AddConNum BETWEEN 0 AND 99999999999999),
+  AddDscNum   REAL DEFAULT 0 CHECK (AddDscNum BETWEEN 0 AND 99999999999999),
+  SaleMaxIn   REAL DEFAULT 0 CHECK (SaleMaxIn BETWEEN 0 AND 99999999999999),
   PRIMARY KEY (BillNo, SerialNo, DataId, PluCode)
 ) WITHOUT ROWID;

@@ -35,7 +35,7 @@ QNCORVANE_MDB="$work/shop.mdb" ODBCSYSINI="$work/mdb-odbc" \
   "$build/bin/db_servers_test" --gtest_filter=OdbcAccessFile.*
 
 echo "-- table definitions"
-python3 -B "$here/schema_test.py"
+python3 -B "$here/with_mariadb.py" "$work/schema" python3 -B "$here/schema_test.py"
 
 echo "-- sales on each server"
 mkdir "$work/sales"
