@@ -72,7 +72,9 @@ double CeilToCents(double value) { return CeilSingle(value * 100 - 0.5) / 100; }
 
 double WithoutNoise(double value) { return std::fabs(value) <= kNoise ? 0 : value; }
 
-double Quotient(double dividend, double divisor) { return divisor == 0 ? 0 : FiniteOrZero(dividend / divisor); }
+double Quotient(double dividend, double divisor) {
+  return WithoutNoise(divisor) == 0 ? 0 : FiniteOrZero(dividend / divisor);
+}
 
 std::int32_t TruncToInt32(double value) {
   const bool fits = value > -2147483649.0 && value < 2147483648.0;

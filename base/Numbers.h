@@ -76,8 +76,9 @@ double WithoutNoise(double value);
 /// Whether a new price or rate is no gain on the price `base`: it reaches it, give or take the noise.
 inline bool ReachesPrice(double price, double base) { return price >= base - kNoise; }
 
-/// dividend / divisor; 0 when the divisor is 0. Every division by what a host or a table brought goes through here: a
-/// voided line has a quantity of 0, lines and their returns sum to 0, and no receipt may show what is no number.
+/// dividend / divisor; 0 when the divisor is 0 or only noise. Every division by what a host or a table brought goes
+/// through here: a voided line has a quantity of 0, lines and their returns sum to 0 or to a hair beside it, and no
+/// receipt may show what is no number.
 double Quotient(double dividend, double divisor);
 
 // --- Conversions that C++ leaves undefined out of range --------------------------------------------------------------

@@ -113,7 +113,7 @@ void PutTailOnOwnRows(const ProInfo& rule, std::vector<SalePlu>& lines, double t
 void ApportionRecords(const ProInfo& rule, const LinePtrs& lines, double money, Text billNo) {
   double weight = 0;
   for (SalePlu* line : LastToFirst(lines)) weight += WeightOfLine(rule, *line, billNo);
-  if (weight == 0) return;
+  if (WithoutNoise(weight) == 0) return;
 
   const bool setsMoney = IsOneOf(rule.ProType, {"MZZF", "ZHTJ"});
   double sum = 0;
@@ -145,7 +145,7 @@ void PutTailOnFirstRows(const ProInfo& rule, const LinePtrs& lines, double tail,
 
 void SpreadOverLinePtrs(const ProInfo& rule, const LinePtrs& lines, double money, double base,
                         const SpreadOptions& options) {
-  if (money == 0 || base == 0 || lines.empty()) return;
+  if (money == 0 || WithoutNoise(base) == 0 || lines.empty()) return;
   double sum = 0;
   for (SalePlu* line : lines) {
     if (FindResult(*line, rule.BillNo) != nullptr) continue;
@@ -166,7 +166,7 @@ void SpreadOverLinePtrs(const ProInfo& rule, const LinePtrs& lines, double money
 
 void SpreadOverLines(const ProInfo& rule, std::vector<SalePlu>& lines, double money, double base,
                      const SpreadOptions& options) {
-  if (base == 0 || SumOfTotals(lines) == 0) return;
+  if (WithoutNoise(base) == 0 || WithoutNoise(SumOfTotals(lines)) == 0) return;
   const bool isReduce = Same(rule.ProType, "MZMJ");
   double sum = 0;
   for (SalePlu& line : lines) {

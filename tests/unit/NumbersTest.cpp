@@ -429,8 +429,15 @@ TEST_P(Numbers, AQuotientWhoseDivisorIsZeroIsZero) {
   }
 }
 
+// 0.1 + 0.2 - 0.3 is 5.6e-17.
+TEST_P(Numbers, AQuotientWhoseDivisorIsNoiseIsZero) {
+  ExpectSameNumber(Corvane::Quotient(10, 0.1 + 0.2 - 0.3), 0);
+  ExpectSameNumber(Corvane::Quotient(10, -1e-9), 0);
+  EXPECT_EQ(Corvane::Quotient(10, 0.0001), 10 / 0.0001);
+}
+
 TEST_P(Numbers, AQuotientThatIsNoFiniteNumberIsZero) {
-  ExpectSameNumber(Corvane::Quotient(1e300, 1e-300), 0);
+  ExpectSameNumber(Corvane::Quotient(1e308, 1e-8), 0);
   ExpectSameNumber(Corvane::Quotient(kInfinite, kInfinite), 0);
   ExpectSameNumber(Corvane::Quotient(1, kNan), 0);
 }

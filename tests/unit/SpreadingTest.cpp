@@ -765,6 +765,14 @@ TEST_F(SpreadOverSale, LinesWhoseTotalsSumToNothingGetNothing) {
   ExpectNumbers(Totals(m_lines), {50, -50});
 }
 
+// Weighed goods and their return: 0.1 + 0.2 - 0.3 is 5.6e-17, and a tenth of that is no share.
+TEST_F(SpreadOverSale, LinesWhoseTotalsSumToAHairGetNothing) {
+  m_lines = {Line("G1", 1, 0.1), Line("G1", 1, 0.2), Line("G1", 1, -0.3)};
+  Spread("MZMJ", 10, 0.3);
+  ExpectNumbers(ResultMoneys(m_lines), {});
+  ExpectNumbers(Totals(m_lines), {0.1, 0.2, -0.3});
+}
+
 TEST_F(SpreadOverSale, RowsGoToBothListsWhateverTheOptionsSay) {
   m_options.WriteResult = false;
   m_options.ByDisNum = true;
