@@ -1,7 +1,5 @@
 #include "engine/CalcPromotion.h"
 
-#include <string>
-
 #include "base/Numbers.h"
 #include "engine/Driver.h"
 #include "engine/Log.h"
@@ -50,7 +48,7 @@ std::int32_t CalcPromotion(Text key, Text mode, Text xml, char* out, char* msg) 
   }
   try {
     const auto rules = static_cast<std::int32_t>(Promotion::Instance().Rules().size());
-    Log(Join(key, ":", FormatI(rules), "\n"));
+    LogPieces({OrEmpty(key), ":", FormatI(rules), "\n"});
     if (const Text missing = MissingArgument(key, mode, xml)) {
       CopyText(msg, missing);
       return -1;

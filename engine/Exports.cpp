@@ -6,23 +6,50 @@
 
 // The boundary: plain C names in front of the engine's own.
 
-extern "C" {
+namespace {
 
-int BeginInitPro(void) { return Corvane::BeginInitPro(); }
-
-int InitPromotion(const char* type, const char* xml, char* msg) { return Corvane::InitPromotion(type, xml, msg); }
-
-int FinishInitPro(void) { return Corvane::FinishInitPro(); }
-
-int ClearPromotion(char* msg, const char* billNo) { return Corvane::ClearPromotion(msg, billNo); }
-
-int CalcPromotion(const char* key, const char* mode, const char* xml, char* out, char* msg) {
-  return Corvane::CalcPromotion(key, mode, xml, out, msg);
+/// The last barrier: a host may be written in any language, and no exception passes to it. A call that has a text for
+/// its failure catches its exceptions itself; what arrives here has none.
+template <class Call>
+int Guarded(Call call) noexcept {
+  try {
+    return call();
+  } catch (...) {
+    return -1;
+  }
 }
 
-int DeleteSaleSetByKey(const char* key) { return Corvane::DeleteSaleSetByKey(key); }
+}  // namespace
 
-int ClearSaleSetForNet(char* msg) { return Corvane::ClearSaleSetForNet(msg); }
+extern "C" {
+
+int BeginInitPro(void) {
+  return Guarded([] { return Corvane::BeginInitPro(); });
+}
+
+int InitPromotion(const char* type, const char* xml, char* msg) {
+  return Guarded([&] { return Corvane::InitPromotion(type, xml, msg); });
+}
+
+int FinishInitPro(void) {
+  return Guarded([] { return Corvane::FinishInitPro(); });
+}
+
+int ClearPromotion(char* msg, const char* billNo) {
+  return Guarded([&] { return Corvane::ClearPromotion(msg, billNo); });
+}
+
+int CalcPromotion(const char* key, const char* mode, const char* xml, char* out, char* msg) {
+  return Guarded([&] { return Corvane::CalcPromotion(key, mode, xml, out, msg); });
+}
+
+int DeleteSaleSetByKey(const char* key) {
+  return Guarded([&] { return Corvane::DeleteSaleSetByKey(key); });
+}
+
+int ClearSaleSetForNet(char* msg) {
+  return Guarded([&] { return Corvane::ClearSaleSetForNet(msg); });
+}
 
 char* GetState(char* buffer) { return Corvane::ProState::Instance().Get(buffer); }
 

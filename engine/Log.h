@@ -2,7 +2,9 @@
 #define QNCORVANE_ENGINE_LOG_H
 
 #include <QString>
+#include <initializer_list>
 #include <string>
+#include <string_view>
 
 namespace Corvane {
 
@@ -11,17 +13,20 @@ namespace Corvane {
 ///
 /// The file is "QnCorvane.txt" in the current directory, opened by that name and closed again for every entry: the host
 /// may change its directory, delete or replace the file between two entries, and after each entry the file is complete.
-/// A file that an entry finds longer than 1000000 bytes starts anew with that entry. A file that can't be opened costs
-/// the entry and nothing more.
+/// A file that an entry finds longer than 1000000 bytes starts anew with that entry. An entry that can't be written,
+/// whatever the cause, is lost and nothing more.
 ///
-/// The file's encoding is that of the process's locale.
-void Log(const QString& text);
+/// The local time follows a host that changes TZ. The file's encoding is told in engine/LogEncoding.h.
+void Log(const QString& text) noexcept;
 
 /// @param text UTF-8; null logs an empty text.
-void Log(const char* text);
+void Log(const char* text) noexcept;
 
 /// @param text UTF-8.
-void Log(const std::string& text);
+void Log(const std::string& text) noexcept;
+
+/// One entry of several pieces of UTF-8, one directly behind the other; nothing is joined outside.
+void LogPieces(std::initializer_list<std::string_view> pieces) noexcept;
 
 }  // namespace Corvane
 

@@ -25,8 +25,8 @@ const StateStatus* FindState(Text word) {
 }  // namespace
 
 ProState& ProState::Instance() {
-  static ProState instance;
-  return instance;
+  static NeverDestroyed<ProState> instance;
+  return *instance;
 }
 
 Text ProState::Word() {

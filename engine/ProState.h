@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "base/NeverDestroyed.h"
 #include "base/ProError.h"
 #include "base/Text.h"
 #include "engine/StatusText.h"
@@ -17,7 +18,7 @@ constexpr Text kUsing = "Using";  // a legal word that no call ever sets
 constexpr Text kClear = "Clear";
 }  // namespace StateWord
 
-/// The engine's state, one per process. It decides which calls run; any state may follow any other.
+/// The engine's state, one per process and never destroyed. It decides which calls run; any state may follow any other.
 class ProState : public ProError {
  public:
   static ProState& Instance();
@@ -36,6 +37,7 @@ class ProState : public ProError {
   Status CheckedStatus();
 
  private:
+  friend class NeverDestroyed<ProState>;
   ProState() = default;
   Text Word();
 

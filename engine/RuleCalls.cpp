@@ -2,7 +2,6 @@
 
 #include <QString>
 #include <array>
-#include <string>
 #include <utility>
 #include <variant>
 
@@ -19,10 +18,11 @@ namespace {
 /// Room for any status text, for the calls that have no text output.
 using PrivateBuffer = std::array<char, 112>;
 
-std::int32_t RefuseRule(Text xml, char* msg) {
-  const std::string failure = Join(StatusText(Status::InitializeFailed), xml);
-  CopyText(msg, failure);
-  Log(failure);
+/// Needs no memory of its own: it may be lack of memory that refuses the rule.
+std::int32_t RefuseRule(Text xml, char* msg) noexcept {
+  const Text failure = StatusText(Status::InitializeFailed);
+  CopyTexts(msg, {failure, OrEmpty(xml)});
+  LogPieces({failure, OrEmpty(xml)});
   return -1;
 }
 
@@ -46,8 +46,7 @@ std::int32_t InitPromotion(Text type, Text xml, char* msg) {
     RulePtr rule = MakeRule(type, promotion.Database());
     if (rule == nullptr) return RefuseRule(xml, msg);
     std::visit([&](auto& own) { own.InitRule(xml); }, *rule);
-    promotion.AddRule(std::move(rule));
-    promotion.SortRules();
+    promotion.LoadRule(std::move(rule));
     CopyText(msg, StatusText(Status::Success));
     return 0;
   } catch (...) {

@@ -28,34 +28,30 @@ void GiveCoupons(AnyRule& rule, ProSale& sale, Scratch& /*scratch*/) {
   if (auto* own = std::get_if<ProMzUseCoupon>(&rule)) own->ProMzCoupon::CalcRule(sale);
 }
 
+constexpr TypeStep kOrdinary[] = {{"PTXS", CalcAllLines}, {"PTPL", Calc<ProDirectBatch>}, {"PTOS", Calc<ProDirectOs>}};
+
+constexpr TypeStep kCombination[] = {{"ZHZY", Calc<ProCombFree>},
+                                     {"ZHGD", Calc<ProCombFixed>},
+                                     {"ZHTJ", Calc<ProCombCondition>},
+                                     {"ZHZX", Calc<ProCombChoice>}};
+
+constexpr TypeStep kFullAmount[] = {{"MZMJ", Calc<ProMzReduce>}, {"MZZQ", GiveCoupons},     {"MZDP", Calc<ProMzPlu>},
+                                    {"MZZM", Calc<ProMzFree>},   {"MZZP", Calc<ProMzGift>}, {"MZHG", Calc<ProMzGift>}};
+
+constexpr TypeStep kPay[] = {{"MZZF", Calc<ProMzPay>}};
+
 }  // namespace
 
-const TypeSteps& OrdinarySteps() {
-  static const TypeSteps steps = {{"PTXS", CalcAllLines}, {"PTPL", Calc<ProDirectBatch>}, {"PTOS", Calc<ProDirectOs>}};
-  return steps;
-}
+TypeSteps OrdinarySteps() { return TypeSteps(kOrdinary); }
 
-const TypeSteps& CombinationSteps() {
-  static const TypeSteps steps = {{"ZHZY", Calc<ProCombFree>},
-                                  {"ZHGD", Calc<ProCombFixed>},
-                                  {"ZHTJ", Calc<ProCombCondition>},
-                                  {"ZHZX", Calc<ProCombChoice>}};
-  return steps;
-}
+TypeSteps CombinationSteps() { return TypeSteps(kCombination); }
 
-const TypeSteps& FullAmountSteps() {
-  static const TypeSteps steps = {{"MZMJ", Calc<ProMzReduce>}, {"MZZQ", GiveCoupons},     {"MZDP", Calc<ProMzPlu>},
-                                  {"MZZM", Calc<ProMzFree>},   {"MZZP", Calc<ProMzGift>}, {"MZHG", Calc<ProMzGift>}};
-  return steps;
-}
+TypeSteps FullAmountSteps() { return TypeSteps(kFullAmount); }
 
-const TypeSteps& PaySteps() {
-  static const TypeSteps steps = {{"MZZF", Calc<ProMzPay>}};
-  return steps;
-}
+TypeSteps PaySteps() { return TypeSteps(kPay); }
 
 RuleStep FindStep(const TypeSteps& steps, Text proType) {
-  const auto found =
+  const auto* const found =
       std::find_if(steps.begin(), steps.end(), [&](const TypeStep& step) { return Same(step.ProType, proType); });
   return found == steps.end() ? nullptr : found->Run;
 }

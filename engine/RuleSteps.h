@@ -1,6 +1,7 @@
 #ifndef QNCORVANE_ENGINE_RULESTEPS_H
 #define QNCORVANE_ENGINE_RULESTEPS_H
 
+#include <cstddef>
 #include <vector>
 
 #include "promo/AnyRule.h"
@@ -21,13 +22,23 @@ struct TypeStep {
   RuleStep Run;
 };
 
-/// A set of types.
-using TypeSteps = std::vector<TypeStep>;
+/// A set of types: a constant table.
+class TypeSteps {
+ public:
+  template <std::size_t Size>
+  constexpr explicit TypeSteps(const TypeStep (&table)[Size]) : m_begin(table), m_end(table + Size) {}
+  const TypeStep* begin() const { return m_begin; }
+  const TypeStep* end() const { return m_end; }
 
-const TypeSteps& OrdinarySteps();     ///< "PTXS", "PTPL", "PTOS"
-const TypeSteps& CombinationSteps();  ///< "ZHZY", "ZHGD", "ZHTJ", "ZHZX"
-const TypeSteps& FullAmountSteps();   ///< "MZMJ", "MZZQ", "MZDP", "MZZM", "MZZP", "MZHG"
-const TypeSteps& PaySteps();          ///< "MZZF"
+ private:
+  const TypeStep* m_begin;
+  const TypeStep* m_end;
+};
+
+TypeSteps OrdinarySteps();     ///< "PTXS", "PTPL", "PTOS"
+TypeSteps CombinationSteps();  ///< "ZHZY", "ZHGD", "ZHTJ", "ZHZX"
+TypeSteps FullAmountSteps();   ///< "MZMJ", "MZZQ", "MZDP", "MZZM", "MZZP", "MZHG"
+TypeSteps PaySteps();          ///< "MZZF"
 
 /// @return null for a type outside the set.
 RuleStep FindStep(const TypeSteps& steps, Text proType);

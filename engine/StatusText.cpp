@@ -32,9 +32,12 @@ Text StatusText(Status status) {
   return kTexts.at(static_cast<std::size_t>(status));
 }
 
-void CopyText(char* buffer, std::string_view text) {
+void CopyText(char* buffer, std::string_view text) { CopyTexts(buffer, {text}); }
+
+void CopyTexts(char* buffer, std::initializer_list<std::string_view> texts) {
   if (buffer == nullptr) return;
-  *std::copy(text.begin(), text.end(), buffer) = '\0';
+  for (const std::string_view text : texts) buffer = std::copy(text.begin(), text.end(), buffer);
+  *buffer = '\0';
 }
 
 }  // namespace Corvane

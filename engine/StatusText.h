@@ -1,6 +1,7 @@
 #ifndef QNCORVANE_ENGINE_STATUSTEXT_H
 #define QNCORVANE_ENGINE_STATUSTEXT_H
 
+#include <initializer_list>
 #include <string_view>
 
 #include "base/Text.h"
@@ -29,6 +30,9 @@ Text StatusText(Status status);
 
 /// Copies a text with its closing zero into a host's buffer, whose length nobody checks. A null buffer is left alone.
 void CopyText(char* buffer, std::string_view text);
+
+/// The same with several texts, one directly behind the other.
+void CopyTexts(char* buffer, std::initializer_list<std::string_view> texts);
 
 }  // namespace Corvane
 
