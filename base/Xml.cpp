@@ -1,39 +1,55 @@
 #include "base/Xml.h"
 
 #include <strings.h>
+#include <algorithm>
 #include <cctype>
 #include <cstddef>
 #include <cstring>
+#include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Corvane {
 
 namespace {
 
-/// Walks an XML text token by token exactly as TinyXML will, and edits it in place: attributes that a later one of the
-/// same name overrules become blanks, and the text is cut where it grows beyond all measure. At a fault the walk just
-/// ends: TinyXML stops at the same place.
+/// Walks an XML text token by token exactly as TinyXML will, and makes the text that TinyXML gets: attributes that a
+/// later one of the same name overrules become blanks, numeric character references become the characters, and the text
+/// is cut where it grows beyond all measure. At a fault the walk just ends: TinyXML stops at the same place.
 class TextPreparation {
  public:
-  /// @param text is edited; it must be followed by kPadding zero bytes inside the string.
-  explicit TextPreparation(std::string& text) : m_next(text.data()) {}
+  /// @param text stays as it is.
+  explicit TextPreparation(Text text) : m_copied(text), m_next(text) {}
 
-  void Run() {
+  /// @return the text, and behind it zero bytes for the longest UTF-8 sequence less one.
+  std::string Run() {
+    // No edit makes the text longer, so places in it stay where they are.
+    m_made.reserve(std::strlen(m_next) + kPadding);
     m_utf8 = StartsWith("\xEF\xBB\xBF");
     while (Node()) {
     }
+    if (!m_isCut) m_made.append(m_copied);
+    m_made.append(kPadding, '\0');
+    return std::move(m_made);
   }
 
-  /// The longest UTF-8 sequence less one.
+ private:
   static constexpr std::size_t kPadding = 3;
 
- private:
+  /// An attribute in the text that is made.
   struct AttributePlace {
     std::string_view Name;
-    char* Begin;
-    char* End;
+    std::size_t Begin;
+    std::size_t End;
   };
+
+  /// Takes over what was walked. @return the place that this leads to.
+  std::size_t CopyWalked() {
+    m_made.append(Between(m_copied, m_next));
+    m_copied = m_next;
+    return m_made.size();
+  }
 
   bool StartsWith(std::string_view word) const { return std::strncmp(m_next, word.data(), word.size()) == 0; }
   bool StartsWithIgnoringCase(std::string_view word) const {
@@ -66,7 +82,68 @@ class TextPreparation {
     }
   }
 
-  /// Steps over one character of running text. In UTF-8 the lead byte alone tells the length, whatever follows it.
+  /// Steps over one character of running text or of a quoted value. @return false at a reference that ends the text.
+  bool Character() {
+    if (StartsWith("&#")) return Reference();
+    StepOverCharacter();
+    return true;
+  }
+
+  /// A numeric reference. TinyXML seeks the next semicolon, however far it is, and reads the digits in front of it back
+  /// to the last 'x' or '#'; whatever stands between is swallowed, and anything but digits ends the text. In a text
+  /// that isn't declared as UTF-8 it makes one byte of any code: so all codes but those of ASCII are turned into UTF-8
+  /// here.
+  bool Reference() {
+    const bool isHex = m_next[2] == 'x';
+    const char* const end = std::strchr(m_next + 2, ';');
+    if (end == nullptr) return false;
+    const char* begin = end;
+    while (begin[-1] != (isHex ? 'x' : '#')) --begin;
+    const std::optional<unsigned> code = CodeOf(Between(begin, end), isHex ? 16 : 10);
+    if (!code) return false;
+    if (*code >= 0x80) {
+      CopyWalked();
+      AppendUtf8(*code);
+      m_copied = end + 1;
+    }
+    m_next = end + 1;
+    return true;
+  }
+
+  /// @return nothing when there is anything but digits; a code beyond all characters for a number beyond them.
+  static std::optional<unsigned> CodeOf(std::string_view digits, unsigned base) {
+    unsigned code = 0;
+    for (const char digit : digits) {
+      const bool isDigit = base == 16 ? IsHexDigit(digit) : IsDecimalDigit(digit);
+      if (!isDigit) return std::nullopt;
+      const int value = IsDecimalDigit(digit) ? digit - '0' : (digit | 0x20) - 'a' + 10;
+      code = std::min(code * base + static_cast<unsigned>(value), kBeyondCharacters);
+    }
+    return code;
+  }
+  static bool IsDecimalDigit(char letter) { return letter >= '0' && letter <= '9'; }
+  static bool IsHexDigit(char letter) {
+    return IsDecimalDigit(letter) || (letter >= 'a' && letter <= 'f') || (letter >= 'A' && letter <= 'F');
+  }
+
+  /// What is no character of XML becomes the replacement character.
+  void AppendUtf8(unsigned code) {
+    const bool isSurrogate = code >= 0xD800 && code <= 0xDFFF;
+    if (isSurrogate || code == 0xFFFE || code == 0xFFFF || code >= kBeyondCharacters) code = 0xFFFD;
+    if (code < 0x800) {
+      AppendBytes(0xC0 | code >> 6, 1, code);
+    } else if (code < 0x10000) {
+      AppendBytes(0xE0 | code >> 12, 2, code);
+    } else {
+      AppendBytes(0xF0 | code >> 18, 3, code);
+    }
+  }
+  void AppendBytes(unsigned lead, unsigned further, unsigned code) {
+    m_made.push_back(static_cast<char>(lead));
+    while (further-- > 0) m_made.push_back(static_cast<char>(0x80 | (code >> 6 * further & 0x3F)));
+  }
+
+  /// Steps over one character. In UTF-8 the lead byte alone tells the length, whatever follows it.
   void StepOverCharacter() {
     const auto lead = static_cast<unsigned char>(*m_next);
     std::size_t length = 1;
@@ -75,13 +152,18 @@ class TextPreparation {
   }
 
   bool SkipBehind(std::string_view end) {
-    char* const found = std::strstr(m_next, end.data());
+    const char* const found = std::strstr(m_next, end.data());
     if (found == nullptr) return false;
     m_next = found + end.size();
     return true;
   }
 
-  void CutHere() { *m_next = '\0'; }
+  /// Nothing that was not walked is taken over.
+  bool CutHere() {
+    CopyWalked();
+    m_isCut = true;
+    return false;
+  }
 
   /// One node of the content at the present depth. @return false at the end of what can be read.
   bool Node() {
@@ -98,7 +180,9 @@ class TextPreparation {
 
   bool RunningText() {
     if (m_depth == 0) return false;
-    while (!AtEnd() && *m_next != '<') StepOverCharacter();
+    while (!AtEnd() && *m_next != '<') {
+      if (!Character()) return false;
+    }
     return !AtEnd();
   }
 
@@ -125,6 +209,8 @@ class TextPreparation {
       std::string_view name;
       std::string_view value;
       if (!Attribute(name, value)) return false;
+      // A name that is spelled in references would be another one to TinyXML than here.
+      if (value.find('&') != std::string_view::npos) return CutHere();
       if (isEncoding) encoding = value;
     }
     return false;
@@ -136,10 +222,7 @@ class TextPreparation {
   }
 
   bool StartTag() {
-    if (m_depth == XmlDocument::kMaxDepth) {
-      CutHere();
-      return false;
-    }
+    if (m_depth == XmlDocument::kMaxDepth) return CutHere();
     ++m_next;
     while (IsNamePart(*m_next)) ++m_next;
     m_attributes.clear();
@@ -160,23 +243,23 @@ class TextPreparation {
   }
 
   bool NextAttribute() {
-    if (m_attributes.size() == static_cast<std::size_t>(XmlDocument::kMaxAttributes)) {
-      CutHere();
-      return false;
-    }
-    char* const begin = m_next;
+    if (m_attributes.size() == static_cast<std::size_t>(XmlDocument::kMaxAttributes)) return CutHere();
+    const std::size_t begin = CopyWalked();
     std::string_view name;
     std::string_view value;
     if (!Attribute(name, value) || AtEnd()) return false;
+    const AttributePlace place = {name, begin, CopyWalked()};
     for (AttributePlace& earlier : m_attributes) {
       if (earlier.Name != name) continue;
-      std::memset(earlier.Begin, ' ', static_cast<std::size_t>(earlier.End - earlier.Begin));
-      earlier = {name, begin, m_next};
+      std::fill(m_made.begin() + Offset(earlier.Begin), m_made.begin() + Offset(earlier.End), ' ');
+      earlier = place;
       return true;
     }
-    m_attributes.push_back({name, begin, m_next});
+    m_attributes.push_back(place);
     return true;
   }
+
+  static std::ptrdiff_t Offset(std::size_t place) { return static_cast<std::ptrdiff_t>(place); }
 
   bool Attribute(std::string_view& name, std::string_view& value) {
     const char* const begin = m_next;
@@ -193,7 +276,9 @@ class TextPreparation {
   bool QuotedValue(std::string_view& value) {
     const char quote = *m_next++;
     const char* const begin = m_next;
-    while (!AtEnd() && *m_next != quote) StepOverCharacter();
+    while (!AtEnd() && *m_next != quote) {
+      if (!Character()) return false;
+    }
     if (AtEnd()) return false;
     value = Between(begin, m_next);
     ++m_next;
@@ -214,7 +299,12 @@ class TextPreparation {
     return {begin, static_cast<std::size_t>(end - begin)};
   }
 
-  char* m_next;
+  static constexpr unsigned kBeyondCharacters = 0x110000;
+
+  std::string m_made;
+  const char* m_copied;  ///< up to here the text is in what is made
+  const char* m_next;
+  bool m_isCut = false;
   bool m_utf8 = false;
   bool m_encodingKnown = false;
   int m_depth = 0;
@@ -224,9 +314,7 @@ class TextPreparation {
 }  // namespace
 
 XmlDocument::XmlDocument(Text xml) {
-  std::string text(OrEmpty(xml));
-  text.append(TextPreparation::kPadding, '\0');
-  TextPreparation(text).Run();
+  const std::string text = TextPreparation(OrEmpty(xml)).Run();
   m_document.Parse(text.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
 }
 

@@ -9,9 +9,11 @@
 
 namespace Corvane {
 
-/// An XML text, parsed. Texts read from it die with it: readers keep what they need with KeepText.
+/// An XML text, parsed. Texts read from it die with it: readers keep what they need in a TextPool.
 ///
-/// TinyXML parses; a step in front of it settles three things. An attribute that occurs twice in an element has its
+/// TinyXML parses; a step in front of it settles four things. A numeric character reference gives UTF-8, whatever the
+/// declaration says: TinyXML makes a single byte of it where UTF-8 isn't declared; of a number that is no character it
+/// gives U+FFFD. An attribute that occurs twice in an element has its
 /// last value (TinyXML would drop the rest of the document). Nesting deeper than kMaxDepth or more than kMaxAttributes
 /// in one element end the text there, like any malformed text (TinyXML would exhaust the stack or the cashier's
 /// patience). The text that TinyXML reads is padded, since a cut-off UTF-8 sequence at its end makes TinyXML step over
