@@ -6,8 +6,9 @@
 
 namespace Corvane {
 
-/// A borrowed, zero-terminated UTF-8 text. It points to constant text or into the text pool (base/TextPool.h), so it
-/// never dangles. Null means "absent"; a null text compares as the empty text and prints as the empty text.
+/// A borrowed, zero-terminated UTF-8 text. It points to constant text or into a text pool (base/TextPool.h): that of
+/// the process, or that of the sale which the record belongs to. Null means "absent"; a null text compares as the empty
+/// text and prints as the empty text.
 using Text = const char*;
 
 /// The text itself, or the empty text for null. Use it wherever a text leaves these helpers.

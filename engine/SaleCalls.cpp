@@ -9,7 +9,7 @@ namespace Corvane {
 
 std::int32_t DeleteSaleSetByKey(Text key) {
   try {
-    ProSale::Forget(OrEmpty(key));
+    ProSale::Destroy(OrEmpty(key));
     return 0;
   } catch (...) {
     return -1;

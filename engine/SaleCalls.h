@@ -7,8 +7,8 @@
 
 namespace Corvane {
 
-// The calls that end sales; include/qncorvane/qncorvane.h tells what a host may expect of them. The one forgets a sale,
-// the other destroys all of them.
+// The calls that end sales; include/qncorvane/qncorvane.h tells what a host may expect of them. Both give back the
+// memory of what they end.
 
 std::int32_t DeleteSaleSetByKey(Text key);
 std::int32_t ClearSaleSetForNet(char* msg);

@@ -3,7 +3,8 @@
 
 #include <map>
 #include <memory>
-#include <vector>
+
+#include "base/NeverDestroyed.h"
 
 namespace Corvane {
 
@@ -24,14 +25,8 @@ class Multiton {
     return *entry;
   }
 
-  /// Removes the entry of `key`; an unknown key is no error. The object is forgotten, not destroyed: it stays allocated
-  /// until the process ends, and no key leads to it any more.
-  static void Forget(const Key& key) {
-    const auto entry = Store().find(key);
-    if (entry == Store().end()) return;
-    Forgotten().push_back(std::move(entry->second));
-    Store().erase(entry);
-  }
+  /// Destroys the object under `key` and removes its entry; an unknown key is no error.
+  static void Destroy(const Key& key) { Store().erase(key); }
 
   /// Destroys all objects, in the order of their keys, and empties the store.
   static void DestroyAll() {
@@ -41,13 +36,8 @@ class Multiton {
 
  private:
   static std::map<Key, std::unique_ptr<Object>>& Store() {
-    static std::map<Key, std::unique_ptr<Object>> store;
-    return store;
-  }
-
-  static std::vector<std::unique_ptr<Object>>& Forgotten() {
-    static std::vector<std::unique_ptr<Object>> forgotten;
-    return forgotten;
+    static NeverDestroyed<std::map<Key, std::unique_ptr<Object>>> store;
+    return *store;
   }
 };
 

@@ -5,25 +5,29 @@
 #include <vector>
 
 #include "base/ProError.h"
+#include "base/TextPool.h"
 #include "sale/Multiton.h"
 #include "sale/SaleRecords.h"
 
 namespace Corvane {
 
 /// One sale, kept per key between the host's calls: from the first calculation of the key until the key is deleted or
-/// all sales are cleared. Rules write their results into it.
+/// all sales are cleared. Rules write their results into it. Whatever the sale brought goes with it: no rule and no
+/// other sale may keep a text of it.
 class ProSale : public Multiton<ProSale, std::string>, public ProError {
  public:
-  Text OrgCode = nullptr;              ///< organisation of the sale
-  Text BillNo = nullptr;               ///< sale number
-  Text IsCalc = nullptr;               ///< "0", "1" or "2": decides which rules run on this sale
-  std::vector<SalePlu> Plus;           ///< the lines, in order of first arrival
-  std::vector<SalePay> Pays;           ///< payments
-  std::vector<SaleVip> Vips;           ///< member records
-  std::vector<ProResult> SaleResults;  ///< results that belong to the whole sale and to no line
-  std::vector<SaleProGift> ProGifts;   ///< offers of gift rules
-  std::vector<SaleGift> Gifts;         ///< what the front end took of such offers
-  std::vector<SaleCoupon> Coupons;     ///< coupons received from the front end
+  TextPool Texts;                        ///< texts that the sale brought and that were made of them
+  Text OrgCode = nullptr;                ///< organisation of the sale
+  Text BillNo = nullptr;                 ///< sale number
+  Text IsCalc = nullptr;                 ///< "0", "1" or "2": decides which rules run on this sale
+  std::vector<SalePlu> Plus;             ///< the lines, in order of first arrival
+  std::vector<SalePay> Pays;             ///< payments
+  std::vector<SaleVip> Vips;             ///< member records
+  std::vector<ProResult> SaleResults;    ///< results that belong to the whole sale and to no line
+  std::vector<SaleProGift> ProGifts;     ///< offers of gift rules
+  std::vector<SaleGift> Gifts;           ///< what the front end took of such offers
+  std::vector<SaleCoupon> Coupons;       ///< coupons received from the front end
+  std::vector<SaleCoupon> GivenCoupons;  ///< coupons that rules made for the sale; the result tells their value alone
 
   /// Whether a full-amount rule may still act on the sale, by what `SaleResults` holds.
   bool CanApplyToSale(Text primary, Text billNo) const;

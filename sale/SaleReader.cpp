@@ -88,8 +88,8 @@ constexpr XmlField<PluAddAction> kOfferFields[] = {
 };
 
 /// Whatever attribute the line's table doesn't know is a class that the goods belong to.
-void AddLineClass(SalePlu& line, const TiXmlAttribute& attribute) {
-  const std::pair<Text, Text> added(KeepText(attribute.Name()), KeepText(attribute.Value()));
+void AddLineClass(SalePlu& line, const TiXmlAttribute& attribute, TextPool& texts) {
+  const std::pair<Text, Text> added(texts.Keep(attribute.Name()), texts.Keep(attribute.Value()));
   if (Same(added.first, "CAT")) line.CAT = added.second;
   if (Same(added.first, "BRD")) line.BRD = added.second;
   const bool held = std::any_of(line.LineClasses.begin(), line.LineClasses.end(), [&](const auto& pair) {
@@ -98,10 +98,10 @@ void AddLineClass(SalePlu& line, const TiXmlAttribute& attribute) {
   if (!held) line.LineClasses.push_back(added);
 }
 
-SalePlu ReadLine(const ProSale& sale, const TiXmlElement& row) {
+SalePlu ReadLine(ProSale& sale, const TiXmlElement& row) {
   SalePlu line;
   for (const TiXmlAttribute& attribute : Attributes(row)) {
-    if (!ReadAttribute(kPluFields, attribute, line)) AddLineClass(line, attribute);
+    if (!ReadAttribute(kPluFields, attribute, line, sale.Texts)) AddLineClass(line, attribute, sale.Texts);
   }
   line.BillNo = sale.BillNo;
   // The attribute FinalPrice has no effect. A voided line, whose quantity is 0, has a price of 0.
@@ -138,9 +138,9 @@ void ReadLines(ProSale& sale, const TiXmlElement& group, std::int32_t& lineIndex
 }
 
 template <class Record, class FieldTable>
-Record ReadRow(const FieldTable& table, const TiXmlElement& row) {
+Record ReadRow(const FieldTable& table, const TiXmlElement& row, TextPool& texts) {
   Record record;
-  ReadAttributes(table, row, record);
+  ReadAttributes(table, row, record, texts);
   return record;
 }
 
@@ -148,14 +148,14 @@ void ReadPays(ProSale& sale, const TiXmlElement& group) {
   Log("初始化支付对象");
   for (const TiXmlElement& row : ChildElements(group)) {
     Log("读到支付对象，开始初始化");
-    sale.Pays.push_back(ReadRow<SalePay>(kPayFields, row));
+    sale.Pays.push_back(ReadRow<SalePay>(kPayFields, row, sale.Texts));
     sale.Pays.back().BillNo = sale.BillNo;
   }
 }
 
 void ReadVips(ProSale& sale, const TiXmlElement& group) {
   for (const TiXmlElement& row : ChildElements(group)) {
-    sale.Vips.push_back(ReadRow<SaleVip>(kVipFields, row));
+    sale.Vips.push_back(ReadRow<SaleVip>(kVipFields, row, sale.Texts));
     sale.Vips.back().BillNo = sale.BillNo;
   }
 }
@@ -163,9 +163,9 @@ void ReadVips(ProSale& sale, const TiXmlElement& group) {
 void ReadProGifts(ProSale& sale, const TiXmlElement& group) {
   sale.ProGifts.clear();
   for (const TiXmlElement& row : ChildElements(group)) {
-    auto offers = ReadRow<SaleProGift>(kProGiftFields, row);
+    auto offers = ReadRow<SaleProGift>(kProGiftFields, row, sale.Texts);
     for (const TiXmlElement& offer : ChildElements(row)) {
-      offers.Rows.push_back(ReadRow<PluAddAction>(kOfferFields, offer));
+      offers.Rows.push_back(ReadRow<PluAddAction>(kOfferFields, offer, sale.Texts));
     }
     sale.ProGifts.push_back(std::move(offers));
   }
@@ -180,10 +180,11 @@ void ReadGroup(ProSale& sale, const TiXmlElement& group, std::int32_t& lineIndex
   } else if (Same(name, "Vip")) {
     ReadVips(sale, group);
   } else if (Same(name, "Gift")) {
-    for (const TiXmlElement& row : ChildElements(group)) sale.Gifts.push_back(ReadRow<SaleGift>(kGiftFields, row));
+    for (const TiXmlElement& row : ChildElements(group))
+      sale.Gifts.push_back(ReadRow<SaleGift>(kGiftFields, row, sale.Texts));
   } else if (Same(name, "Coupon")) {
     for (const TiXmlElement& row : ChildElements(group))
-      sale.Coupons.push_back(ReadRow<SaleCoupon>(kCouponFields, row));
+      sale.Coupons.push_back(ReadRow<SaleCoupon>(kCouponFields, row, sale.Texts));
   } else if (Same(name, "ProGifts")) {
     ReadProGifts(sale, group);
   }
@@ -197,7 +198,7 @@ std::int32_t ReadSale(ProSale& sale, Text xml, char* msg, std::int32_t& lineInde
     const XmlDocument document(xml);
     const TiXmlElement* root = document.Root();
     if (root == nullptr) return 0;
-    ReadAttributes(kSaleFields, *root, sale);
+    ReadAttributes(kSaleFields, *root, sale, sale.Texts);
     for (const TiXmlElement& group : ChildElements(root)) ReadGroup(sale, group, lineIndex);
     return 0;
   } catch (...) {

@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "base/Numbers.h"
-#include "base/TextPool.h"
 
 namespace Corvane {
 
@@ -65,7 +64,7 @@ void SettleMonth(Day& day) {
 
 }  // namespace
 
-Text AddCouponDays(const CouponType& coupon, const std::string& dateTime, std::int32_t days) {
+Text AddCouponDays(const CouponType& coupon, const std::string& dateTime, std::int32_t days, TextPool& texts) {
   if (Same(coupon.LimitType, "0")) return coupon.EndDate;
   std::string_view time = dateTime;
   std::string_view date = TakePiece(time, ' ');
@@ -75,8 +74,8 @@ Text AddCouponDays(const CouponType& coupon, const std::string& dateTime, std::i
   day.Number = TakeNumber(date);
   day.Number += AddWholeYears(day.Year, days);
   SettleMonth(day);
-  return KeepText(Join(std::to_string(day.Year), "-", std::to_string(day.Month), "-", std::to_string(day.Number), " ",
-                       std::string(time)));
+  return texts.Keep(Join(std::to_string(day.Year), "-", std::to_string(day.Month), "-", std::to_string(day.Number), " ",
+                         std::string(time)));
 }
 
 }  // namespace Corvane

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "base/Text.h"
+#include "base/TextPool.h"
 #include "rule/RuleRows.h"
 
 namespace Corvane {
@@ -18,8 +19,8 @@ namespace Corvane {
 ///
 /// @param dateTime "YYYY-MM-DD HH:MM:SS"
 /// @param days     of validity; negative ones too.
-/// @return kept for the life of the process.
-Text AddCouponDays(const CouponType& coupon, const std::string& dateTime, std::int32_t days);
+/// @param texts    keeps the text.
+Text AddCouponDays(const CouponType& coupon, const std::string& dateTime, std::int32_t days, TextPool& texts);
 
 }  // namespace Corvane
 

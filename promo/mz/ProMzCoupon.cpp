@@ -97,16 +97,16 @@ double ProMzCoupon::SumOfTiers(const ProMzList& list, double amount) const {
   return sum;
 }
 
-/// Makes coupons of a value: of its denominations, the largest that fits each time, when the offer cuts; one coupon
-/// otherwise. What can't be cut is not given.
+/// Makes coupons of a value and puts them into the sale: of its denominations, the largest that fits each time, when
+/// the offer cuts; one coupon otherwise. What can't be cut is not given.
 ///
 /// @return the value given; nothing when it would take too many coupons.
-std::optional<double> ProMzCoupon::GiveCoupons(const ProSale& sale, ProMzList& list, double amount) const {
+std::optional<double> ProMzCoupon::GiveCoupons(ProSale& sale, const ProMzList& list, double amount) const {
   constexpr Text kNeverGives = "*";
   if (Same(Info.BillNo, kNeverGives)) return 0;
   const bool isCut = list.Coupon.IsDenom && !list.Denominations.empty();
   if (!isCut) {
-    list.Given.push_back(MakeCoupon(sale, list.Coupon, amount));
+    sale.GivenCoupons.push_back(MakeCoupon(sale, list.Coupon, amount));
     return amount;
   }
   double rest = amount;
@@ -125,19 +125,19 @@ std::optional<double> ProMzCoupon::GiveCoupons(const ProSale& sale, ProMzList& l
     made.push_back(MakeCoupon(sale, list.Coupon, *value));
     rest -= *value;
   }
-  list.Given.insert(list.Given.end(), made.begin(), made.end());
+  sale.GivenCoupons.insert(sale.GivenCoupons.end(), made.begin(), made.end());
   return amount - rest;
 }
 
-SaleCoupon ProMzCoupon::MakeCoupon(const ProSale& sale, const CouponType& header, double value) const {
+SaleCoupon ProMzCoupon::MakeCoupon(ProSale& sale, const CouponType& header, double value) const {
   std::string dateTime = " ";
   if (!sale.Plus.empty()) dateTime = Join(sale.Plus.front().SaleDate, " ", sale.Plus.front().SaleTime);
   SaleCoupon coupon;
   coupon.BillNo = Info.BillNo;
   coupon.BgnDate = header.BgnDate;
   coupon.CouponTypeCode = header.CouponTypeCode;
-  coupon.Value = KeepText(FormatF6(value));
-  coupon.EndDate = AddCouponDays(header, dateTime, header.LimitDay);
+  coupon.Value = sale.Texts.Keep(FormatF6(value));
+  coupon.EndDate = AddCouponDays(header, dateTime, header.LimitDay, sale.Texts);
   return coupon;
 }
 

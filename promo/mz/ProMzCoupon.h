@@ -14,8 +14,8 @@
 namespace Corvane {
 
 /// "MZZQ", the giving of coupons: a sale, or a chosen part of it, that brings enough money earns a coupon value, which
-/// is cut into coupons. The lines stay as they are: a sale-level result tells the value, and the coupons are kept in
-/// the rule's own offers. All data comes from the rule's XML; no table is read.
+/// is cut into coupons. The lines stay as they are: a sale-level result tells the value, and the coupons stay in the
+/// sale and go with it. All data comes from the rule's XML; no table is read.
 class ProMzCoupon : public ProBase {
  public:
   /// The most coupons made at one giving, far above any denomination in use. A value that would need more is not given,
@@ -34,8 +34,8 @@ class ProMzCoupon : public ProBase {
   void ReadList(const TiXmlElement& group);
   void CalcList(ProMzList& list, ProSale& sale) const;
   double SumOfTiers(const ProMzList& list, double amount) const;
-  std::optional<double> GiveCoupons(const ProSale& sale, ProMzList& list, double amount) const;
-  SaleCoupon MakeCoupon(const ProSale& sale, const CouponType& header, double value) const;
+  std::optional<double> GiveCoupons(ProSale& sale, const ProMzList& list, double amount) const;
+  SaleCoupon MakeCoupon(ProSale& sale, const CouponType& header, double value) const;
 };
 
 }  // namespace Corvane

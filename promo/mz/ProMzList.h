@@ -26,9 +26,6 @@ struct ProMzList {
   std::vector<PluAddAction> Tiers;
   CouponType Coupon;                              ///< the kind of coupon given
   std::vector<CouponDenomination> Denominations;  ///< face values into which a coupon sum is cut
-  /// Coupons made for this offer, over all sales. Nothing takes them out again: the list grows for as long as the rule
-  /// stands.
-  std::vector<SaleCoupon> Given;
 
   bool SetsFinalPrice() const { return Same(DscIntoPlu, "1"); }
 };

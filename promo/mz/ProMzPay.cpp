@@ -15,7 +15,7 @@ namespace Corvane {
 
 namespace {
 
-void ReadWholeBillPay(ProCtr& control, Text value) { control.WholeBillPay = Same(value, "1"); }
+void ReadWholeBillPay(ProCtr& control, Text value, TextPool& /*texts*/) { control.WholeBillPay = Same(value, "1"); }
 
 constexpr XmlField<ProCtr> kControlFields[] = {
     {"SerialNo", Into<ProCtr>::Integer<&ProCtr::SerialNo>},

@@ -12,14 +12,16 @@ std::string After(std::int32_t days, const std::string& dateTime) {
   CouponType coupon;
   coupon.LimitType = "1";
   coupon.EndDate = "2030-12-31";
-  return AddCouponDays(coupon, dateTime, days);
+  TextPool texts;
+  return AddCouponDays(coupon, dateTime, days, texts);
 }
 
 TEST(CouponDays, AFixedValidityIsTheHeadersEndDate) {
   CouponType coupon;
   coupon.LimitType = "0";
   coupon.EndDate = "2030-12-31";
-  EXPECT_STREQ(AddCouponDays(coupon, "2026-11-21 10:00:00", 7), "2030-12-31");
+  TextPool texts;
+  EXPECT_STREQ(AddCouponDays(coupon, "2026-11-21 10:00:00", 7, texts), "2030-12-31");
 }
 
 TEST(CouponDays, NoDaysAreTheDayOfTheSaleWithoutLeadingZeros) {

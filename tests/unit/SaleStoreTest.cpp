@@ -171,24 +171,24 @@ TEST_F(ObjectStore, KeepsKeysApartByEveryByte) {
   EXPECT_NE(&Make(""), &made);
 }
 
-TEST_F(ObjectStore, ForgettingDoesNotDestroy) {
-  Tracked& made = Make("K1");
-  Tracked::Forget("K1");
+TEST_F(ObjectStore, DestroysTheObjectOfAKey) {
+  Make("K1");
+  Make("K2");
+  Tracked::Destroy("K1");
   EXPECT_EQ(Tracked::Find("K1"), nullptr);
-  EXPECT_EQ(Tracked::Gone(), std::vector<std::string>{});
-  EXPECT_EQ(made.Name, "K1");
+  EXPECT_EQ(Tracked::Gone(), std::vector<std::string>{"K1"});
+  EXPECT_EQ(Tracked::Find("K2")->Name, "K2");
 }
 
-TEST_F(ObjectStore, AForgottenKeyStartsAnew) {
-  Tracked& made = Make("K1");
-  Tracked::Forget("K1");
-  EXPECT_NE(&Tracked::Create("K1"), &made);
+TEST_F(ObjectStore, ADestroyedKeyStartsAnew) {
+  Make("K1");
+  Tracked::Destroy("K1");
   EXPECT_EQ(Tracked::Create("K1").Name, "");
 }
 
-TEST_F(ObjectStore, ForgettingAnUnknownKeyChangesNothing) {
+TEST_F(ObjectStore, DestroyingAnUnknownKeyChangesNothing) {
   Tracked& made = Make("K1");
-  Tracked::Forget("K2");
+  Tracked::Destroy("K2");
   EXPECT_EQ(Tracked::Find("K1"), &made);
   EXPECT_EQ(Tracked::Find("K2"), nullptr);
 }
@@ -200,12 +200,12 @@ TEST_F(ObjectStore, DestroysAllInTheByteOrderOfTheKeys) {
   EXPECT_EQ(Tracked::Find("a"), nullptr);
 }
 
-TEST_F(ObjectStore, DestroyingAllLeavesTheForgottenAlone) {
+TEST_F(ObjectStore, WhatWasDestroyedIsNotDestroyedAgain) {
   Make("K1");
-  Tracked::Forget("K1");
+  Tracked::Destroy("K1");
   Make("K2");
   Tracked::DestroyAll();
-  EXPECT_EQ(Tracked::Gone(), (std::vector<std::string>{"K2"}));
+  EXPECT_EQ(Tracked::Gone(), (std::vector<std::string>{"K1", "K2"}));
 }
 
 // --- The calls that end sales ----------------------------------------------------------------------------------------
