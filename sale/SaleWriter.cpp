@@ -3,7 +3,6 @@
 #include <tinyxml.h>
 
 #include <string>
-#include <string_view>
 #include <utility>
 
 #include "base/Numbers.h"
@@ -14,19 +13,6 @@
 namespace Corvane {
 
 namespace {
-
-/// A text such that every parser reads it again as it is. TinyXML's printer takes "&#x" for a reference that it has to
-/// pass on, and with it all that follows up to a semicolon, quotes included: so its ampersand leaves as a reference.
-std::string Printable(Text value) {
-  constexpr std::string_view kMistaken = "&#x";
-  std::string printable(value);
-  for (std::size_t at = printable.find(kMistaken); at != std::string::npos; at = printable.find(kMistaken, at)) {
-    constexpr std::string_view kAmpersand = "&#x26;";
-    printable.replace(at, 1, kAmpersand);
-    at += kAmpersand.size();
-  }
-  return printable;
-}
 
 /// An element under construction. Attributes leave in the order in which they are set.
 class Element {
@@ -39,7 +25,7 @@ class Element {
     return Element(*child);
   }
   const Element& Word(Text name, Text value) const {
-    m_element.SetAttribute(name, Printable(OrEmpty(value)));
+    m_element.SetAttribute(name, OrEmpty(value));
     return *this;
   }
   const Element& F2(Text name, double value) const { return Word(name, FormatF2(value).c_str()); }
