@@ -2,19 +2,26 @@
 #include "engine/Log.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <stdlib.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QTextCodec>
+#include <chrono>
 #include <cstddef>
+#include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <regex>
 #include <string>
+#include <thread>
 
 #include "tests/unit/RuleFixture.h"
 
@@ -90,6 +97,105 @@ TEST_F(LogFile, TheTimeGoesOnFromEntryToEntry) {
   const std::string before = LocalTime();
   Log("two");
   EXPECT_GE(m_log.Bytes().substr(26, 19), before);
+}
+
+/// The zone of the process for the life of this object.
+class TimeZone {
+ public:
+  explicit TimeZone(const char* zone) : m_wasSet(std::getenv("TZ") != nullptr) {
+    if (m_wasSet) m_before = std::getenv("TZ");
+    setenv("TZ", zone, 1);
+  }
+  ~TimeZone() {
+    if (m_wasSet) {
+      setenv("TZ", m_before.c_str(), 1);
+    } else {
+      unsetenv("TZ");
+    }
+  }
+  TimeZone(const TimeZone&) = delete;
+  TimeZone& operator=(const TimeZone&) = delete;
+
+ private:
+  bool m_wasSet;
+  std::string m_before;
+};
+
+/// The hour of the day in an entry, and that of a zone so many hours east of Greenwich: at once, so that the second
+/// that the stamp was made for is mostly still the same.
+int HourOf(const std::string& bytes, std::size_t entry, std::size_t length) {
+  return std::stoi(bytes.substr(entry * length + 11, 2));
+}
+
+TEST_F(LogFile, TheTimeFollowsAZoneThatTheHostChanges) {
+  const int before = static_cast<int>(std::time(nullptr) / 3600 % 24);
+  for (const char* const zone : {"UTC0", "EAST-5", "WEST+7", "UTC0"}) {
+    const TimeZone changed(zone);
+    Log("x");
+  }
+  const int after = static_cast<int>(std::time(nullptr) / 3600 % 24);
+  if (before != after) GTEST_SKIP() << "the hour changed in between";
+  constexpr std::size_t kLength = 19 + 2 + 1 + 2;
+  const std::string bytes = m_log.Bytes();
+  ASSERT_EQ(bytes.size(), 4 * kLength);
+  EXPECT_EQ(HourOf(bytes, 0, kLength), before);
+  EXPECT_EQ(HourOf(bytes, 1, kLength), (before + 5) % 24);
+  EXPECT_EQ(HourOf(bytes, 2, kLength), (before + 17) % 24);
+  EXPECT_EQ(HourOf(bytes, 3, kLength), before);
+}
+
+/// Sends this process a signal every few milliseconds, whose handler breaks system calls off.
+class SignalStorm {
+ public:
+  SignalStorm() {
+    struct sigaction action {};
+    action.sa_handler = [](int) {};  // and no SA_RESTART
+    sigaction(SIGALRM, &action, &m_before);
+    const itimerval often = {{0, 2000}, {0, 2000}};
+    setitimer(ITIMER_REAL, &often, nullptr);
+  }
+  ~SignalStorm() {
+    const itimerval never = {};
+    setitimer(ITIMER_REAL, &never, nullptr);
+    sigaction(SIGALRM, &m_before, nullptr);
+  }
+  SignalStorm(const SignalStorm&) = delete;
+  SignalStorm& operator=(const SignalStorm&) = delete;
+
+ private:
+  struct sigaction m_before {};
+};
+
+// A pipe in the log's place lets the opening and the writing wait until a reader comes, and be interrupted.
+TEST_F(LogFile, AnInterruptedCallIsMadeAgain) {
+  ASSERT_EQ(mkfifo("QnCorvane.txt", 0600), 0);
+  std::string read;
+  std::thread reader([&] {
+    sigset_t alarm;
+    sigemptyset(&alarm);
+    sigaddset(&alarm, SIGALRM);
+    pthread_sigmask(SIG_BLOCK, &alarm, nullptr);
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    std::ifstream pipe("QnCorvane.txt", std::ios::binary);
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    read.assign(std::istreambuf_iterator<char>(pipe), std::istreambuf_iterator<char>());
+  });
+  {
+    const SignalStorm storm;
+    Log(std::string(300000, 'x'));
+  }
+  reader.join();
+  EXPECT_EQ(read.substr(19), "  " + std::string(300000, 'x') + "\n\r");
+}
+
+TEST_F(LogFile, SeveralPiecesAreOneEntry) {
+  Corvane::LogPieces({"till", ":", "15", "\n"});
+  EXPECT_EQ(m_log.Bytes().substr(19), "  till:15\n\n\r");
+}
+
+TEST_F(LogFile, BytesThatAreNoUtf8BecomeTheReplacementCharacter) {
+  Log("a\xE4z\xFF");
+  EXPECT_EQ(Logged(), (Entries{"a\uFFFDz\uFFFD"}));
 }
 
 TEST_F(LogFile, EntriesFollowEachOther) {

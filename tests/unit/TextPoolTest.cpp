@@ -1,4 +1,4 @@
-// Texts that are kept for the life of the process.
+// Texts that are kept for the life of the process, or for that of their pool.
 #include "base/TextPool.h"
 
 #include <gtest/gtest.h>
@@ -60,6 +60,25 @@ TEST(TextPool, EarlierTextsStayInPlaceWhileItGrows) {
   EXPECT_STREQ(kept[0], "pool-grows-0");
   EXPECT_STREQ(kept[31415], "pool-grows-31415");
   EXPECT_EQ(KeepText("pool-grows-31415"), kept[31415]);
+}
+
+TEST(TextPool, OneOfItsOwnHoldsEachTextOnceForItself) {
+  Corvane::TextPool first;
+  Corvane::TextPool second;
+  const Text kept = first.Keep("pool-of-its-own");
+  EXPECT_EQ(first.Keep(std::string("pool-of-its-own")), kept);
+  EXPECT_NE(second.Keep("pool-of-its-own"), kept);
+  EXPECT_NE(KeepText("pool-of-its-own"), kept);
+}
+
+TEST(TextPool, OneOfItsOwnLeavesTheTextsOfOthersBehind) {
+  Text kept = nullptr;
+  {
+    Corvane::TextPool gone;
+    gone.Keep("pool-that-goes");
+    kept = KeepText("pool-that-goes");
+  }
+  EXPECT_STREQ(kept, "pool-that-goes");
 }
 
 }  // namespace

@@ -100,6 +100,103 @@ TEST(Xml, ANullParentHasNoChildren) {
   for (const TiXmlElement& child : ChildElements(nullptr)) FAIL() << child.Value();
 }
 
+// --- Character references --------------------------------------------------------------------------------------------
+
+/// The value under every declaration that changes how the parser steps; it has to be the same one.
+void ExpectValue(const std::string& written, const std::string& value) {
+  for (const Text declaration : {"", "<?xml version='1.0'?>", "<?xml version='1.0' encoding='UTF-8'?>",
+                                 "<?xml version='1.0' encoding='ISO-8859-1'?>", "\xEF\xBB\xBF"}) {
+    SCOPED_TRACE(declaration + written);
+    const auto document = Parse(declaration + ("<S>t" + written + "<D a='" + written + "' b='2'/>" + written + "</S>"));
+    EXPECT_EQ(Column(*document, "a"), Values{value});
+    EXPECT_EQ(Column(*document, "b"), Values{"2"});
+  }
+}
+
+TEST(XmlReferences, GiveUtf8) {
+  ExpectValue("&#228;", "ä");
+  ExpectValue("&#xE4;", "ä");
+  ExpectValue("&#xe4;", "ä");
+  ExpectValue("&#20013;&#x6587;", "中文");
+  ExpectValue("&#128512;", "😀");
+  ExpectValue("M&#252;ller &amp; S&#xF6;hne", "Müller & Söhne");
+}
+
+TEST(XmlReferences, AtTheEdgesOfTheLengths) {
+  ExpectValue("&#x7F;", "\x7F");
+  ExpectValue("&#x80;", "\xC2\x80");
+  ExpectValue("&#x7FF;&#x800;", "\xDF\xBF\xE0\xA0\x80");
+  ExpectValue("&#xFFFD;&#x10000;", "\xEF\xBF\xBD\xF0\x90\x80\x80");
+  ExpectValue("&#x10FFFF;", "\xF4\x8F\xBF\xBF");
+}
+
+TEST(XmlReferences, ThatAreNoCharactersGiveTheReplacementCharacter) {
+  for (const Text written : {"&#xD800;", "&#xDFFF;", "&#xFFFE;", "&#65535;", "&#x110000;", "&#4294967361;",
+                             "&#18446744073709551681;", "&#xFFFFFFFFFFFFFFFFFFFF;"}) {
+    ExpectValue(written, "\xEF\xBF\xBD");
+  }
+}
+
+TEST(XmlReferences, OfAsciiAndByNameAreTheParsers) {
+  ExpectValue("&#65;&#x42;&#000067;", "ABC");
+  ExpectValue("&lt;&gt;&amp;&quot;&apos;", "<>&\"'");
+  ExpectValue("&#39;&#34;&#60;&#38;", "'\"<&");
+}
+
+TEST(XmlReferences, InAnAttributeThatOccursTwice) {
+  const auto document = Parse("<S><D a='&#228;&#228;' b='&#228;' a='2' c='&#228;'/><D a='&#229;'/></S>");
+  EXPECT_EQ(Column(*document, "a"), (Values{"2", "å"}));
+  EXPECT_EQ(Column(*document, "b"), (Values{"ä", "(none)"}));
+  EXPECT_EQ(Column(*document, "c"), (Values{"ä", "(none)"}));
+}
+
+TEST(XmlReferences, StayWhereTheyAreNone) {
+  const auto document = Parse("<S><![CDATA[&#228;]]><!-- &#228; --><D a='1'/></S>");
+  EXPECT_EQ(Column(*document, "a"), Values{"1"});
+  EXPECT_STREQ(document->Root()->GetText(), "&#228;");
+}
+
+TEST(XmlReferences, ThatAreBrokenEndTheText) {
+  for (const Text written : {"&#12", "&#x", "&#xG1;", "&#1A;", "&#X41;", "&#-5;"}) {
+    SCOPED_TRACE(written);
+    const auto document = Parse(std::string("<S><D a='1'/><D a='") + written + "'/><D a='3'/></S>");
+    EXPECT_EQ(Column(*document, "a").front(), "1");
+    for (const std::string& value : Column(*document, "a")) EXPECT_NE(value, "3");
+  }
+}
+
+// A lead byte whose sequence is cut off takes what follows it with it, where UTF-8 is declared; elsewhere not.
+TEST(XmlReferences, BehindACutOffCharacterTheClosingQuoteStands) {
+  const auto plain = Parse("<S><D a='\xE4&#228;' b='2'/></S>");
+  EXPECT_EQ(Column(*plain, "a"), Values{"\xE4ä"});
+  EXPECT_EQ(Column(*plain, "b"), Values{"2"});
+  const auto cutOff = Parse("<S><D a='&#228;\xE4' b='2'/></S>");
+  EXPECT_EQ(Column(*cutOff, "a"), Values{"ä\xE4"});
+  EXPECT_EQ(Column(*cutOff, "b"), Values{"2"});
+}
+
+// The parser reads a reference up to a semicolon behind the closing quote: nesting that hides there is measured too.
+TEST(XmlReferences, NestingCannotHideBehindOne) {
+  const auto document = Parse("<S a=\"&#x\" c='x41;\" d=\"'>" + Nested(100000) + "\"></S>");
+  EXPECT_LE(DepthOf(*document), XmlDocument::kMaxDepth);
+  const auto hidden = Parse("<S a=\"&#x\" c='x41;' d=\">" + Nested(100000) + "\"/>");
+  EXPECT_LE(DepthOf(*hidden), XmlDocument::kMaxDepth);
+}
+
+TEST(XmlReferences, NestingCannotHideBehindAnEncodingInReferences) {
+  const auto document = Parse("<?xml version='1.0' encoding='&#85;TF-8'?><S a='\xE4'>" + Nested(100000) + "'/>");
+  EXPECT_LE(DepthOf(*document), XmlDocument::kMaxDepth);
+}
+
+TEST(XmlReferences, AHugeNumberOfThemTakesNoTime) {
+  std::string many;
+  for (int number = 0; number < 1000000; ++number) many += "&#228;";
+  const auto begin = std::chrono::steady_clock::now();
+  const auto document = Parse("<S a='" + many + "'/>");
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
+  EXPECT_EQ(Value(*document->Root(), "a").size(), 2000000U);
+}
+
 // --- An attribute that occurs twice ----------------------------------------------------------------------------------
 
 TEST(XmlAttributes, TheLastValueCountsAndTheFollowingLinesSurvive) {
