@@ -160,6 +160,26 @@ bool LearnResults() {
          std::strstr(g_results.data(), "DisMoney=\"8.00\"") != nullptr;
 }
 
+/// A load whose n-th request is refused, for every n: the rule is there if the load says so, and else not.
+bool LoadsWholeOrNotAtAll() {
+  FinishInitPro();
+  for (bool refused = true; refused;) {
+    static long next = 0;
+    ClearPromotion(g_msg.data(), "*");
+    g_refused = 0;
+    g_untilRefusal = next++;
+    const bool loaded = InitPromotion("MZYQ", kCouponRule, g_msg.data()) == 0;
+    g_untilRefusal = -1;
+    refused = g_refused > 0;
+    CalcPromotion("k", "MzPromotion", kSale, g_out.data(), g_msg.data());
+    DeleteSaleSetByKey("k");
+    const bool isThere = std::strstr(g_out.data(), "ProBillNo=\"Q1\"") != nullptr;
+    // Where it was the log's entry that went without memory, the load is none the worse.
+    if (loaded != isThere || (!refused && !loaded)) return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -169,6 +189,11 @@ int main(int argc, char** argv) {
     return 1;
   }
   if (argc > 1) return RunShortOf(std::strtol(argv[1], nullptr, 10), false);
+  if (!LoadsWholeOrNotAtAll()) {
+    std::fprintf(stderr, "allocation_failure: a refused load leaves a rule, or a load is lost\n");
+    return 1;
+  }
+  g_refused = 0;
   long failures = 0;
   for (const bool staysShort : {false, true}) {
     long refusal = 0;
