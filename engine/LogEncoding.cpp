@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 #include "base/NeverDestroyed.h"
@@ -40,7 +41,7 @@ class Converter {
     if (IsUsable()) iconv_close(m_handle);
   }
   // The system's mark of a converter that there is not is the address -1.
-  bool IsUsable() const { return m_handle != reinterpret_cast<iconv_t>(-1); }
+  bool IsUsable() const { return reinterpret_cast<std::intptr_t>(m_handle) != -1; }
 
   QByteArray Convert(QByteArray utf8) const {
     QByteArray converted;
@@ -73,7 +74,7 @@ class Converter {
 };
 
 QByteArray WithoutQt(const QString& text) {
-  const QByteArray utf8 = text.toUtf8();
+  QByteArray utf8 = text.toUtf8();
   if (LastEncoding().empty()) return utf8;
   const Converter converter(LastEncoding());
   return converter.IsUsable() ? converter.Convert(utf8) : utf8;

@@ -2,9 +2,10 @@
 // once more with all requests from the n-th on refused. Each call answers, and the engine behind it is whole: the same
 // till gives the same results again.
 //
-//   allocation_failure [REQUEST]
+//   allocation_failure [--every STEP | REQUEST]
 //
-// Runs in a copy of the sample store. With REQUEST only that one is refused, in this process, for a look at it.
+// Runs in a copy of the sample store. With STEP it takes one request in so many; with REQUEST only that one is refused,
+// in this process, for a look at it.
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -49,7 +50,15 @@ void* operator new(std::size_t size, std::align_val_t alignment) {
 void* operator new[](std::size_t size, std::align_val_t alignment) {
   return Allocate(size, static_cast<std::size_t>(alignment));
 }
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+  try {
+    return Allocate(size, alignof(std::max_align_t));
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
 void operator delete(void* room) noexcept { std::free(room); }
+void operator delete(void* room, const std::nothrow_t& /*tag*/) noexcept { std::free(room); }
 void operator delete[](void* room) noexcept { std::free(room); }
 void operator delete(void* room, std::size_t) noexcept { std::free(room); }
 void operator delete[](void* room, std::size_t) noexcept { std::free(room); }
@@ -129,10 +138,11 @@ Verdict RunShortOf(long refusal, bool staysShort) {
   return std::strcmp(results.data(), g_results.data()) == 0 ? kWhole : kOtherResults;
 }
 
-/// In a process of its own, so that no refusal meets what an earlier one left.
-int InChild(long refusal, bool staysShort) {
+/// The answer of a process of its own, so that no refusal meets what an earlier one left.
+template <class Test>
+int InChild(Test test) {
   const pid_t child = fork();
-  if (child == 0) _exit(RunShortOf(refusal, staysShort));
+  if (child == 0) _exit(test());
   int status = 0;
   if (child < 0 || waitpid(child, &status, 0) != child) return -1;
   return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
@@ -188,17 +198,17 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "allocation_failure: the till fails with all memory\n");
     return 1;
   }
-  if (argc > 1) return RunShortOf(std::strtol(argv[1], nullptr, 10), false);
-  if (!LoadsWholeOrNotAtAll()) {
+  const long step = argc > 2 && std::strcmp(argv[1], "--every") == 0 ? std::strtol(argv[2], nullptr, 10) : 1;
+  if (argc == 2) return RunShortOf(std::strtol(argv[1], nullptr, 10), false);
+  if (InChild([] { return LoadsWholeOrNotAtAll() ? 0 : 1; }) != 0) {
     std::fprintf(stderr, "allocation_failure: a refused load leaves a rule, or a load is lost\n");
     return 1;
   }
-  g_refused = 0;
   long failures = 0;
   for (const bool staysShort : {false, true}) {
     long refusal = 0;
-    for (int verdict = kWhole; verdict != kNothingRefused && failures < 20; ++refusal) {
-      verdict = InChild(refusal, staysShort);
+    for (int verdict = kWhole; verdict != kNothingRefused && failures < 20; refusal += step) {
+      verdict = InChild([&] { return RunShortOf(refusal, staysShort); });
       if (verdict == kWhole || verdict == kNothingRefused) continue;
       ++failures;
       std::fprintf(stderr, "allocation_failure: request %ld refused%s: %d\n", refusal, staysShort ? " for good" : "",

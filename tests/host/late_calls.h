@@ -1,6 +1,7 @@
 /*
  * All eight calls, made while the process ends: each works or answers -1. For hosts in C and in C++.
  */
+/* NOLINTBEGIN(modernize-*,readability-implicit-bool-conversion): C */
 #ifndef QNCORVANE_TESTS_HOST_LATE_CALLS_H
 #define QNCORVANE_TESTS_HOST_LATE_CALLS_H
 
@@ -80,3 +81,4 @@ static void CallLate(const struct Engine* engine) {
 }
 
 #endif
+/* NOLINTEND(modernize-*,readability-implicit-bool-conversion) */

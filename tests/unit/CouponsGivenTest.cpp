@@ -70,7 +70,7 @@ TEST_F(CouponsGiven, AFixedEndIsTheHeaders) {
 
 TEST_F(CouponsGiven, TheLargestDenominationsComeFirst) {
   ProMzCoupon rule = Rule("125", R"(<CouponType IsDenom="1"/><CouponDenomination><R Denomination="20"/>)"
-                                    R"(<R Denomination="50"/></CouponDenomination>)");
+                                 R"(<R Denomination="50"/></CouponDenomination>)");
   ProSale sale;
   Calculate(rule, sale);
 
