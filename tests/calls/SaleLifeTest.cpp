@@ -120,15 +120,17 @@ TEST_F(SaleLife, ASaleThatIsSentAgainUnderItsKeyStartsAnew) {
   ExpectWholeSale("first");
 }
 
-// All 720 orders of six steps; whatever stands between them is read after every one.
+// All 120 orders of five steps; whatever stands between them is read after every one.
 TEST_F(SaleLife, RulesAreReplacedAndClearedAndSalesDeletedInEveryOrder) {
   struct {
     bool First = true;
     bool Second = true;
   } stands;
-  const std::array<std::function<void()>, 6> steps = {
-      [] { LoadDiscount(); },
-      [] { LoadCoupons(); },
+  const std::array<std::function<void()>, 5> steps = {
+      [] {
+        LoadDiscount();
+        LoadCoupons();
+      },
       [] { EXPECT_EQ(Clear("G1").Code, 0); },
       [] { EXPECT_EQ(Clear("*").Code, 0); },
       [&] {
@@ -140,7 +142,7 @@ TEST_F(SaleLife, RulesAreReplacedAndClearedAndSalesDeletedInEveryOrder) {
         stands.Second = false;
       },
   };
-  std::array<int, 6> order = {0, 1, 2, 3, 4, 5};
+  std::array<int, 5> order = {0, 1, 2, 3, 4};
   do {
     SCOPED_TRACE(::testing::PrintToString(order));
     LoadAll();
