@@ -1,7 +1,5 @@
 #include "db/QnPosDBPro.h"
 
-#include <QCoreApplication>
-#include <QSettings>
 #include <QSqlDatabase>
 #include <QSqlDriver>
 #include <QSqlError>
@@ -9,19 +7,14 @@
 #include <QSqlRecord>
 #include <QStringList>
 
-#include "db/ConnectionFile.h"
-#include "db/ConnectionHealth.h"
-#include "db/HostDirectory.h"
+#include "db/Connection.h"
+#include "db/Guarded.h"
+#include "db/Kind.h"
+#include "db/ProcessEnd.h"
 #include "db/Statements.h"
 
 namespace Corvane {
 namespace {
-
-const QLatin1String kSqlite("SQLITE");
-const QLatin1String kMySql("MYSQL");
-const QLatin1String kSqlServer("SQLSERVER");
-const QLatin1String kOracle("ORACLE");
-const QLatin1String kAccess("ACCESS");
 
 const QLatin1String kSeparator("||");
 const QLatin1String kNotOpened(" DataBase is not opened!");
@@ -29,230 +22,82 @@ const QLatin1String kNotCreated("Connection is not Created!");
 
 constexpr int kShownStatementChars = 30;
 
-QString Translated(const char* text) { return QCoreApplication::translate("Corvane::QnPosDBPro", text); }
-
-/// The driver of a kind; empty for a kind without one.
-QString DriverOf(const QString& kind) {
-  if (kind == kSqlite) return QStringLiteral("QSQLITE");
-  if (kind == kMySql) return QStringLiteral("QMYSQL");
-  if (kind == kSqlServer || kind == kAccess) return QStringLiteral("QODBC");
-  if (kind == kOracle) return QStringLiteral("QOCI");
-  return {};
-}
-
-/// Whether the database is a server's: a file doesn't go away and come back.
-bool IsRemote(const QString& kind) { return kind == kMySql || kind == kSqlServer || kind == kOracle; }
-
-QString ServerDateStatement(const QString& kind) {
-  if (kind == kSqlite) return QStringLiteral("select datetime('now') as date");
-  if (kind == kMySql) return QStringLiteral("select current_timestamp as date");
-  if (kind == kSqlServer || kind == kAccess) return QStringLiteral("select getdate() as date");
-  if (kind == kOracle) return QStringLiteral("select sysdate as date from dual");
-  return {};
-}
-
-/// The least that a server can be asked.
-QString TrialStatement(const QString& kind) {
-  return kind == kOracle ? QStringLiteral("select 1 from dual") : QStringLiteral("select 1");
-}
-
-/// A bare file name is a file in the host's directory; anything with a separator or a drive is a path of its own.
-QString FilePath(const QString& name) {
-  const bool bare =
-      !name.contains(QLatin1Char(':')) && !name.contains(QLatin1Char('/')) && !name.contains(QLatin1Char('\\'));
-  return bare ? InHostDirectory(name) : name;
-}
-
-/// A setting as text. The INI reader takes an unquoted comma for a list; here it is part of the password or path.
-QString TextSetting(const QSettings& settings, const char* key) {
-  const QVariant value = settings.value(QLatin1String(key));
-  if (value.type() == QVariant::StringList) return value.toStringList().join(QLatin1Char(','));
-  return value.toString();
-}
-
-/// Runs `operation`; an exception becomes a failure.
-template <typename Operation>
-bool Guarded(QString& error, Operation operation) {
-  try {
-    return operation();
-  } catch (...) {
-    error += QStringLiteral("未定义的异常");
-    return false;
-  }
-}
-
-template <typename Operation>
-bool Guarded(Operation operation) {
-  QString ignored;
-  return Guarded(ignored, operation);
-}
-
 }  // namespace
 
-QnPosDBPro::QnPosDBPro() {
-  QSettings settings(QStringLiteral("config.ini"), QSettings::IniFormat);
-  settings.setIniCodec("UTF-8");
-  DbType = TextSetting(settings, "DataBase/DbType");
-  ServiceName = TextSetting(settings, "DataBase/ServiceName");
-  DBName = TextSetting(settings, "DataBase/DBName");
-  UserName = TextSetting(settings, "DataBase/UserName");
-  Password = TextSetting(settings, "DataBase/Password");
-  Port = settings.value(QStringLiteral("DataBase/Port")).toInt();
-}
+QnPosDBPro::QnPosDBPro() : Slot(std::make_shared<Connection>()) {}
 
 QnPosDBPro::~QnPosDBPro() = default;
 
-bool QnPosDBPro::IsOpen() const { return Db && Db->isOpen(); }
-
-/// Tries an open connection that there is reason to doubt; closes it when it gives no answer.
-bool QnPosDBPro::WasLost() {
-  if (!Health->NeedsTrial()) return false;
-  QSqlQuery trial(*Db);
-  if (Exec(trial, TrialStatement(DbTypeUpper))) return false;
-  trial.clear();
-  Db->close();
-  return true;
-}
-
-bool QnPosDBPro::EnsureOpen(QString& error) {
-  return Guarded(error, [&] {
-    if (DbType.isEmpty()) {
-      error = Translated("未设置数据库类型");
-      return false;
-    }
-    if (DbTypeUpper.isEmpty()) SetDbType(DbType);
-    if ((IsOpen() && !WasLost()) || Open(ServiceName, DBName, error, UserName, Password, Port)) {
-      OpenFailed = 0;
-      return true;
-    }
-    OpenFailed = 1;
-    error += Translated("数据库打开失败！");
-    return false;
-  });
-}
+bool QnPosDBPro::EnsureOpen(QString& error) { return Slot->EnsureOpen(error); }
 
 void QnPosDBPro::SetDbType(const QString& type) {
-  DbTypeUpper = type.toUpper();
-  const QString driver = DriverOf(DbTypeUpper);
-  if (driver.isEmpty()) return;
-  Queries.clear();
-  const QString pattern = QStringLiteral("MyDBProcessConn%1");
-  int number = 0;
-  while (QSqlDatabase::database(pattern.arg(number), false).isValid()) ++number;
-  ConnName = pattern.arg(number);
-  Db = std::make_shared<QSqlDatabase>(QSqlDatabase::addDatabase(driver, ConnName));
-  Health = std::make_shared<ConnectionHealth>(IsRemote(DbTypeUpper));
+  if (!DriverOf(type.toUpper()).isEmpty()) Queries.clear();
+  Slot->SetKind(type);
 }
 
 bool QnPosDBPro::Open(const QString& server, const QString& database, QString& error, const QString& user,
                       const QString& password, qint32 port) {
-  return Guarded(error, [&] {
-    OpenName = database;
-    if (!Db) return false;
-    if (DbTypeUpper == kSqlite) return OpenSqlite(database, error);
-    if (DbTypeUpper == kMySql) return OpenMySql(server, database, error, user, password);
-    if (DbTypeUpper == kSqlServer) return OpenSqlServer(server, database, error, user, password, port);
-    if (DbTypeUpper == kOracle) return OpenOracle(server, database, error, user, password, port);
-    if (DbTypeUpper == kAccess) return OpenAccess(server, database, error, user, password);
-    return false;
-  });
-}
-
-bool QnPosDBPro::OpenSqlite(const QString& database, QString& error) {
-  Db->setDatabaseName(FilePath(database.trimmed()));
-  return OpenDb(error);
-}
-
-bool QnPosDBPro::OpenMySql(const QString& server, const QString& database, QString& error, const QString& user,
-                           const QString& password) {
-  Db->setHostName(server.isEmpty() ? QStringLiteral("localhost") : server);
-  Db->setDatabaseName(database);
-  Db->setUserName(user.isEmpty() ? QStringLiteral("root") : user);
-  Db->setPassword(password);
-  // Wanted before the open, though a closed connection makes nothing of it; and the port is not applied here.
-  QSqlQuery(*Db).exec(QStringLiteral("SET NAMES 'utf8'"));
-  return OpenDb(error);
-}
-
-bool QnPosDBPro::OpenSqlServer(const QString& server, const QString& database, QString& error, const QString& user,
-                               const QString& password, qint32 port) {
-  Db->setDatabaseName(QStringLiteral("DRIVER={SQL SERVER};SERVER=%1;DATABASE=%2").arg(server, database));
-  Db->setUserName(user);
-  Db->setPassword(password);
-  Db->setPort(port == 0 ? 1433 : port);
-  return OpenDb(error);
-}
-
-bool QnPosDBPro::OpenOracle(const QString& server, const QString& database, QString& error, const QString& user,
-                            const QString& password, qint32 port) {
-  Db->setHostName(server);
-  Db->setDatabaseName(database);
-  Db->setUserName(user);
-  Db->setPassword(password);
-  Db->setPort(port == 0 ? 1521 : port);
-  return OpenDb(error);
-}
-
-bool QnPosDBPro::OpenAccess(const QString& server, const QString& database, QString& error, const QString& user,
-                            const QString& password) {
-  QString name = database;
-  if (!server.isEmpty() && !ReadConnectionFile(server, name, error)) return false;
-  Db->setDatabaseName(QStringLiteral("DRIVER={Microsoft Access Driver (*.mdb,*.accdb)};DBQ=%1;UID=%2;PWD=%3")
-                          .arg(FilePath(name), user.isEmpty() ? QStringLiteral("sa") : user, password));
-  return OpenDb(error);
-}
-
-bool QnPosDBPro::OpenDb(QString& error) {
-  if (!Db->open()) {
-    error += Db->lastError().text();
-    return false;
-  }
-  return Health->Note(true);
+  return Slot->Open(server, database, error, user, password, port);
 }
 
 void QnPosDBPro::SetConnectOptions(const QString& options) {
-  if (Db && Db->isValid()) Db->setConnectOptions(options);
+  if (Slot->HasDriver()) Slot->SetOptions(options);
 }
 
+SqlDialect QnPosDBPro::Dialect() const { return DialectOf(Slot->DbTypeUpper); }
+
+bool QnPosDBPro::PadsTexts() const { return Corvane::PadsTexts(Slot->DbTypeUpper); }
+
 bool QnPosDBPro::BeginTransaction() {
-  return Guarded([&] { return Db && Db->driver()->hasFeature(QSqlDriver::Transactions) && Db->transaction(); });
+  return Guarded([&] {
+    return Slot->HasDriver() && Slot->Db->driver()->hasFeature(QSqlDriver::Transactions) && Slot->Db->transaction();
+  });
 }
 
 bool QnPosDBPro::Commit() {
-  return Guarded([&] { return Db && Db->driver()->hasFeature(QSqlDriver::Transactions) && Db->commit(); });
+  return Guarded([&] {
+    return Slot->HasDriver() && Slot->Db->driver()->hasFeature(QSqlDriver::Transactions) && Slot->Db->commit();
+  });
 }
 
 bool QnPosDBPro::Rollback() {
-  return Guarded([&] { return Db && Db->driver()->hasFeature(QSqlDriver::Transactions) && Db->rollback(); });
+  return Guarded([&] {
+    return Slot->HasDriver() && Slot->Db->driver()->hasFeature(QSqlDriver::Transactions) && Slot->Db->rollback();
+  });
 }
 
 QDateTime QnPosDBPro::GetServerDate() {
   QDateTime date;
   const bool answered = Guarded([&] {
-    if (!IsOpen()) return false;
-    QSqlQuery query(*Db);
-    if (!Exec(query, ServerDateStatement(DbTypeUpper)) || !query.next()) return false;
+    if (!Slot->IsUsable()) return false;
+    QSqlQuery query(*Slot->Db);
+    if (!Exec(query, ServerDateStatement(Slot->DbTypeUpper)) || !query.next()) return false;
     date = query.value(QStringLiteral("date")).toDateTime();
     return true;
   });
   return answered ? date : QDateTime::currentDateTime();
 }
 
-/// Every statement goes out through these three, so that a connection that fails is doubted.
-bool QnPosDBPro::Exec(QSqlQuery& query, const QString& sql) { return Health->Note(query.exec(sql)); }
+bool QnPosDBPro::Exec(QSqlQuery& query, const QString& sql) {
+  return Slot->Run(query, [&] { return query.exec(sql); });
+}
 
-bool QnPosDBPro::Prepare(QSqlQuery& query, const QString& sql) { return Health->Note(query.prepare(sql)); }
+bool QnPosDBPro::Prepare(QSqlQuery& query, const QString& sql) {
+  return Slot->Run(query, [&] { return query.prepare(sql); });
+}
 
-bool QnPosDBPro::Exec(QSqlQuery& query) { return Health->Note(query.exec()); }
+bool QnPosDBPro::Exec(QSqlQuery& query) {
+  return Slot->Run(query, [&] { return query.exec(); });
+}
 
 bool QnPosDBPro::excuteSQL(const QString& sql, QString& error) {
   error = QStringLiteral("函数:excuteSQL||执行:") + sql.left(kShownStatementChars) + kSeparator;
   return Guarded(error, [&] {
-    if (!IsOpen()) {
+    if (!Slot->IsUsable()) {
       error += kNotOpened;
       return false;
     }
-    QSqlQuery query(*Db);
+    QSqlQuery query(*Slot->Db);
     if (Exec(query, sql)) return true;
     error += query.lastError().text();
     return false;
@@ -260,27 +105,33 @@ bool QnPosDBPro::excuteSQL(const QString& sql, QString& error) {
 }
 
 bool QnPosDBPro::openRecordset(const QString& sql, QSqlQuery& query, QString& error) {
-  if (!Db) {
+  if (!Slot->Db) {
     error = kNotCreated;
     return false;
   }
   error = QStringLiteral("函数:openRecordset||执行:") + sql + kSeparator;
   return Guarded(error, [&] {
-    if (!IsOpen()) {
+    if (!Slot->IsUsable()) {
       error += kNotOpened;
       return false;
     }
-    query = QSqlQuery(*Db);
+    query = QSqlQuery(*Slot->Db);
     // SQL Server sends one forward-only result at a time, and loaders ask the next question while reading the last.
-    query.setForwardOnly(DbTypeUpper != kSqlServer);
+    query.setForwardOnly(Slot->DbTypeUpper != Kind::kSqlServer);
     if (Exec(query, sql)) return true;
     error += query.lastError().text();
     return false;
   });
 }
 
+bool QnPosDBPro::EndedWell(const QSqlQuery& query, QString& error) {
+  if (query.lastError().type() == QSqlError::NoError) return true;
+  error += query.lastError().text();
+  return Slot->Note(query, false);
+}
+
 QString QnPosDBPro::UnsupportedProc() const {
-  return QStringLiteral("不支持在数据库类型") + DbTypeUpper + QStringLiteral("执行存储过程");
+  return QStringLiteral("不支持在数据库类型") + Slot->DbTypeUpper + QStringLiteral("执行存储过程");
 }
 
 bool QnPosDBPro::exexProc(const QString& name, const QString& args, QString& error) {
@@ -289,16 +140,16 @@ bool QnPosDBPro::exexProc(const QString& name, const QString& args, QString& err
 }
 
 bool QnPosDBPro::RunProc(const QString& name, const QString& args, QString& error) {
-  if (!IsOpen()) {
+  if (!Slot->IsUsable()) {
     error += kNotOpened;
     return false;
   }
-  if (DbTypeUpper != kSqlServer && DbTypeUpper != kOracle) {
+  if (Slot->DbTypeUpper != Kind::kSqlServer && Slot->DbTypeUpper != Kind::kOracle) {
     error = UnsupportedProc();
     return false;
   }
-  QSqlQuery query(*Db);
-  const QString statement = DbTypeUpper == kOracle ? OracleCall(name, args) : SqlServerExec(name, args);
+  QSqlQuery query(*Slot->Db);
+  const QString statement = Slot->DbTypeUpper == Kind::kOracle ? OracleCall(name, args) : SqlServerExec(name, args);
   if (Prepare(query, statement) && Exec(query)) return true;
   error += query.lastError().text();
   return false;
@@ -310,7 +161,7 @@ bool QnPosDBPro::exexProcWithArgs(const QString& name, QList<ProcArg>& args, QSt
 }
 
 bool QnPosDBPro::RunProcWithArgs(const QString& name, QList<ProcArg>& args, QString& error) {
-  if (!IsOpen()) {
+  if (!Slot->IsUsable()) {
     error += kNotOpened;
     return false;
   }
@@ -318,12 +169,12 @@ bool QnPosDBPro::RunProcWithArgs(const QString& name, QList<ProcArg>& args, QStr
     error += QStringLiteral(" 存储过程名称或参数错误!");
     return false;
   }
-  if (DbTypeUpper != kSqlServer && DbTypeUpper != kOracle) {
+  if (Slot->DbTypeUpper != Kind::kSqlServer && Slot->DbTypeUpper != Kind::kOracle) {
     error = UnsupportedProc();
     return false;
   }
-  QSqlQuery query(*Db);
-  const QString statement = DbTypeUpper == kOracle ? OracleCall(name, args) : SqlServerExec(name, args);
+  QSqlQuery query(*Slot->Db);
+  const QString statement = Slot->DbTypeUpper == Kind::kOracle ? OracleCall(name, args) : SqlServerExec(name, args);
   if (!Prepare(query, statement)) {
     error += query.lastError().text();
     return false;
@@ -350,7 +201,7 @@ bool QnPosDBPro::BindArgs(QSqlQuery& query, const QList<ProcArg>& args, QString&
       return false;
     }
     const auto direction = QSql::ParamType(QFlag(arg.Direction));
-    if (DbTypeUpper == kOracle) {
+    if (Slot->DbTypeUpper == Kind::kOracle) {
       query.bindValue(QLatin1Char(':') + arg.Name, value, direction);
     } else {
       query.bindValue(position++, value, direction);
@@ -364,16 +215,16 @@ void QnPosDBPro::ReadOutArgs(const QSqlQuery& query, QList<ProcArg>& args) const
   for (ProcArg& arg : args) {
     const int place = position++;
     if (arg.Direction != ProcArg::Out) continue;
-    const bool named = DbTypeUpper == kOracle;
+    const bool named = Slot->DbTypeUpper == Kind::kOracle;
     arg.Value = (named ? query.boundValue(QLatin1Char(':') + arg.Name) : query.boundValue(place)).toString();
   }
 }
 
 bool QnPosDBPro::OpenByHandle(qint32 handle, const QString& sql) {
   return Guarded([&] {
-    if (!Db) return false;
+    if (!Slot->Db || ProcessEnd::HasCome()) return false;
     // A new query rather than the old one emptied: a copy may still be reading from that.
-    auto query = std::make_shared<QSqlQuery>(*Db);
+    auto query = std::make_shared<QSqlQuery>(*Slot->Db);
     Queries.insert(handle, query);
     return Exec(*query, sql);
   });
@@ -397,7 +248,7 @@ template <typename Step>
 bool QnPosDBPro::Move(qint32 handle, Step step) {
   return Guarded([&] {
     QSqlQuery* query = FindQuery(handle);
-    return IsOpen() && query != nullptr && query->isActive() && step(*query);
+    return Slot->IsUsable() && query != nullptr && query->isActive() && step(*query);
   });
 }
 
@@ -430,8 +281,8 @@ bool QnPosDBPro::UpdateRecord(const QString& table, const QString& where, const 
 }
 
 bool QnPosDBPro::RunWithItems(const QString& statement, const QList<SqlItem>& items) {
-  if (!IsOpen()) return false;
-  QSqlQuery query(*Db);
+  if (!Slot->IsUsable()) return false;
+  QSqlQuery query(*Slot->Db);
   if (!Prepare(query, statement)) return false;
   for (const SqlItem& item : items) query.bindValue(QLatin1Char(':') + item.Column(), item.Value(), QSql::In);
   return Exec(query);
@@ -452,8 +303,8 @@ bool QnPosDBPro::ReadRecord(qint32 handle, const QList<ReadItem>& items) {
 
 bool QnPosDBPro::ExecProcFormat(const QString& name, const QList<ProcParam>& params) {
   return Guarded([&] {
-    if (!IsOpen() || DbTypeUpper != kSqlServer) return false;
-    QSqlQuery query(*Db);
+    if (!Slot->IsUsable() || Slot->DbTypeUpper != Kind::kSqlServer) return false;
+    QSqlQuery query(*Slot->Db);
     if (!Prepare(query, SqlServerExec(name, params))) return false;
     int position = 0;
     for (const ProcParam& param : params) query.bindValue(position++, param.Value(), param.Direction());

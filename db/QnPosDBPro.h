@@ -12,18 +12,23 @@
 #include "db/ProcParam.h"
 #include "db/ReadItem.h"
 #include "db/SqlItem.h"
+#include "db/SqlText.h"
 
-class QSqlDatabase;
 class QSqlQuery;
 
 namespace Corvane {
 
-class ConnectionHealth;
+class Connection;
 
 /// The store's database, of any of five kinds: "SQLITE", "MYSQL", "SQLSERVER", "ORACLE" or "ACCESS".
 ///
-/// Copies share one connection: what one opens is open for all. The connection outlives every copy; it is neither
-/// closed nor taken out of Qt's list. It belongs to the thread that opened it, and so does all work with it.
+/// Copies share one connection, also when there is none yet: what one opens is open for all. The connection outlives
+/// every copy; it is closed and taken out of Qt's list when the library or the process goes, and from then on every
+/// operation fails. It belongs to the thread that opened it, and so does all work with it.
+///
+/// A server that does not answer and a file that somebody holds locked are waited for as long as the settings
+/// "ConnectTimeout" and "ReadTimeout" say. Oracle's driver knows no such limits. Within one of the engine's calls
+/// (DatabaseCall) the first open that fails and the first silence end the use of the database.
 ///
 /// Failures are a false result and a text in `error`; no operation lets an exception out. The statement operations
 /// (`excuteSQL`, `openRecordset`, `exexProc`, `exexProcWithArgs`) begin `error` with what they were asked to do, so
@@ -33,10 +38,12 @@ class ConnectionHealth;
 /// the directory of the running executable.
 class QnPosDBPro {
  public:
-  /// Reads the settings, once, from "config.ini" in the current directory. Opens nothing.
+  /// Reads the settings from "config.ini" in the current directory. Opens nothing. They are read again by EnsureOpen
+  /// only as long as they name no kind, or the kind has no driver.
   QnPosDBPro();
 
-  /// The copy uses the same connection and sees the same recordsets, which live until their last holder lets them go.
+  /// The copy uses the same settings and connection and sees the same recordsets, which live until their last holder
+  /// lets them go.
   QnPosDBPro(const QnPosDBPro&) = default;
   QnPosDBPro& operator=(const QnPosDBPro&) = default;
 
@@ -45,8 +52,9 @@ class QnPosDBPro {
 
   /// Makes sure that the connection is open; opens it when it isn't, or when it was lost since.
   ///
-  /// One attempt, no waiting. To be called before each piece of work: then a server that went away and came back costs
-  /// nothing but the statement during which it went.
+  /// One attempt. To be called before each piece of work: then a server that went away and came back costs nothing but
+  /// the statement during which it went. An SQLite file that was replaced, or mended after a statement failed, is
+  /// opened anew at the first use in a call.
   ///
   /// @param error in and out: on failure the reason is appended; without a `DbType` it is replaced. Else left alone.
   /// @return whether the connection is open.
@@ -71,7 +79,8 @@ class QnPosDBPro {
   bool Open(const QString& server, const QString& database, QString& error, const QString& user,
             const QString& password, qint32 port);
 
-  /// Driver options for the next open, in Qt's form ("NAME=value;..."). Without a connection nothing happens.
+  /// Driver options for the next open, in Qt's form ("NAME=value;..."), beside those of the timeouts. Without a
+  /// connection nothing happens.
   void SetConnectOptions(const QString& options);
 
   /// Transactions. @return false as well when the driver has none.
@@ -94,6 +103,20 @@ class QnPosDBPro {
   ///              move. Further statements may run while it is being read.
   /// @param error out: "函数:openRecordset||执行:", `sql`, "||", and the reason if it failed.
   bool openRecordset(const QString& sql, QSqlQuery& query, QString& error);
+
+  /// To be asked when `query`, from openRecordset, has no next row: whether its rows ended there or broke off.
+  ///
+  /// @param error in and out: when they broke off, the reason is appended.
+  bool EndedWell(const QSqlQuery& query, QString& error);
+
+  /// How this kind writes its statements; before a kind is set, as most kinds do.
+  SqlDialect Dialect() const;
+
+  /// Whether this kind pads texts with blanks to the width of their column.
+  bool PadsTexts() const;
+
+  /// What the copies share; for DatabaseCall.
+  Connection& Shared() { return *Slot; }
 
   /// Runs a stored procedure ("SQLSERVER" and "ORACLE" only).
   ///
@@ -139,31 +162,9 @@ class QnPosDBPro {
 
  protected:
   QMap<qint32, std::shared_ptr<QSqlQuery>> Queries;  ///< Open recordsets by handle.
-  std::shared_ptr<QSqlDatabase> Db;                  ///< The connection; null until a kind is set.
-  QString ConnName;                                  ///< The connection's name in Qt's list.
-  QString DbTypeUpper;                               ///< `DbType` in capitals: selects the way of opening.
-  QString OpenName;                                  ///< The database name of the last open.
-  qint32 OpenFailed = 0;                             ///< 1 after an open failed, 0 when known to be open.
-  QString DbType;                                    ///< Setting "DataBase/DbType".
-  QString ServiceName;                               ///< Setting "DataBase/ServiceName".
-  QString DBName;                                    ///< Setting "DataBase/DBName".
-  QString UserName;                                  ///< Setting "DataBase/UserName".
-  QString Password;                                  ///< Setting "DataBase/Password", in plain.
-  qint32 Port = 0;                                   ///< Setting "DataBase/Port".
+  std::shared_ptr<Connection> Slot;                  ///< Settings and connection; never null.
 
  private:
-  bool IsOpen() const;
-  bool WasLost();
-  bool OpenSqlite(const QString& database, QString& error);
-  bool OpenMySql(const QString& server, const QString& database, QString& error, const QString& user,
-                 const QString& password);
-  bool OpenSqlServer(const QString& server, const QString& database, QString& error, const QString& user,
-                     const QString& password, qint32 port);
-  bool OpenOracle(const QString& server, const QString& database, QString& error, const QString& user,
-                  const QString& password, qint32 port);
-  bool OpenAccess(const QString& server, const QString& database, QString& error, const QString& user,
-                  const QString& password);
-  bool OpenDb(QString& error);
   bool Exec(QSqlQuery& query, const QString& sql);
   bool Prepare(QSqlQuery& query, const QString& sql);
   bool Exec(QSqlQuery& query);
@@ -176,8 +177,6 @@ class QnPosDBPro {
   QSqlQuery* FindQuery(qint32 handle) const;
   template <typename Step>
   bool Move(qint32 handle, Step step);
-
-  std::shared_ptr<ConnectionHealth> Health;  ///< What is known of the connection; shared like the connection itself.
 };
 
 }  // namespace Corvane

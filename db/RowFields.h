@@ -8,11 +8,12 @@
 #include <QVariant>
 #include <array>
 #include <cstddef>
-#include <cstdint>
+#include <vector>
 
-#include "base/Numbers.h"
 #include "base/Text.h"
 #include "base/TextPool.h"
+#include "db/ColumnValue.h"
+#include "db/QnPosDBPro.h"
 
 namespace Corvane {
 
@@ -23,8 +24,7 @@ struct RowField {
   void (*Read)(Record& record, const QVariant& value);
 };
 
-/// The ways in which a column's value gets into a field. NULL reads as 0,
-/// false or the empty text; a text that is no number reads as 0.
+/// The ways in which a column's value gets into a field. NULL reads as 0, false or the empty text.
 template <class Record>
 struct FromColumn {
   /// The text itself, kept for the life of the process: rows of results borrow it.
@@ -36,35 +36,51 @@ struct FromColumn {
   }
   template <auto Field>
   static void Double(Record& record, const QVariant& value) {
-    record.*Field = value.toDouble();
+    record.*Field = ColumnDouble(value);
   }
   template <auto Field>
   static void Integer(Record& record, const QVariant& value) {
-    record.*Field = value.type() == QVariant::Double ? TruncToInt32(value.toDouble()) : value.toInt();
+    record.*Field = ColumnInteger(value);
   }
   template <auto Field>
   static void Boolean(Record& record, const QVariant& value) {
-    record.*Field = value.toBool();
+    record.*Field = ColumnBoolean(value);
   }
 };
 
-/// Reads a result set from its first row to its last: each row fills a new record, which goes to `take`. A column's
-/// place is looked up once; a field whose column the result set doesn't have stays as a new record has it.
+/// The value as it is read: without the blanks that pad a text, where the kind of database pads texts.
+inline QVariant Unpadded(const QVariant& value, bool isPadded) {
+  if (!isPadded || value.type() != QVariant::String || value.isNull()) return value;
+  const QString text = value.toString();
+  int size = text.size();
+  while (size > 0 && text.at(size - 1) == QLatin1Char(' ')) --size;
+  return text.left(size);
+}
+
+/// Reads a result set from its first row to its last: each row fills a new record, which goes to `take` when all rows
+/// are there. A column's place is looked up once; a field whose column the result set doesn't have stays as a new
+/// record has it.
 ///
-/// @param query a result set as `openRecordset` hands it over.
+/// @param query a result set as `db.openRecordset` hands it over.
+/// @param error in and out: when the rows break off, the reason is appended.
+/// @return false when the rows broke off; `take` has seen none of them then.
 template <class Record, std::size_t Size, class Taker>
-void ReadRows(QSqlQuery& query, const RowField<Record> (&fields)[Size], Taker take) {
+bool ReadRows(QnPosDBPro& db, QSqlQuery& query, const RowField<Record> (&fields)[Size], QString& error, Taker take) {
   const QSqlRecord columns = query.record();
   std::array<int, Size> places{};
   for (std::size_t field = 0; field < Size; ++field)
     places[field] = columns.indexOf(QLatin1String(fields[field].Column));
+  const bool isPadded = db.PadsTexts();
+  std::vector<Record> records;
   while (query.next()) {
-    Record record;
+    Record& record = records.emplace_back();
     for (std::size_t field = 0; field < Size; ++field) {
-      if (places[field] >= 0) fields[field].Read(record, query.value(places[field]));
+      if (places[field] >= 0) fields[field].Read(record, Unpadded(query.value(places[field]), isPadded));
     }
-    take(record);
   }
+  if (!db.EndedWell(query, error)) return false;
+  for (Record& record : records) take(record);
+  return true;
 }
 
 }  // namespace Corvane

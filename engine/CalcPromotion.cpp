@@ -1,6 +1,7 @@
 #include "engine/CalcPromotion.h"
 
 #include "base/Numbers.h"
+#include "db/Connection.h"
 #include "engine/Driver.h"
 #include "engine/Log.h"
 #include "engine/ProState.h"
@@ -28,6 +29,7 @@ std::int32_t RefuseMode(char* msg) {
 }
 
 std::int32_t Calculate(Text key, Text mode, Text xml, char* out, char* msg) {
+  const DatabaseCall call(Promotion::Instance().Database().Shared());
   ProSale& sale = ProSale::Create(key);
   std::int32_t lineIndex = 0;
   ReadSale(sale, xml, msg, lineIndex);

@@ -5,6 +5,7 @@
 #include <utility>
 #include <variant>
 
+#include "db/Connection.h"
 #include "engine/Log.h"
 #include "engine/ProState.h"
 #include "engine/Promotion.h"
@@ -33,8 +34,10 @@ std::int32_t BeginInitPro() {
   if (ProState::Instance().Check(msg.data()) != 1) return -1;
   if (ProState::Instance().Set(StateWord::kInit, msg.data()) != 0) return -1;
   // A failed connection leaves the state at "Init": the host has to end the load before it may begin another.
+  QnPosDBPro& database = Promotion::Instance().Database();
+  const DatabaseCall call(database.Shared());
   QString error;
-  const bool open = Promotion::Instance().Database().EnsureOpen(error);
+  const bool open = database.EnsureOpen(error);
   Log(open ? "数据库连接成功" : "数据库连接失败");
   return open ? 0 : -1;
 }

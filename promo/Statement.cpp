@@ -7,9 +7,9 @@
 
 namespace Corvane {
 
-std::string RowsOfLine(const SalePlu& line) {
-  return Join(" and ((PluCode='", line.PluCode, "' and PluType='PLU') or (PluCode='", line.CAT,
-              "' and PluType='CAT') or (PluCode='", line.BRD, "' and PluType='BRD'))");
+SqlText RowsOfLine(const QnPosDBPro& db, const SalePlu& line) {
+  return Statement(db, " and ((PluCode=", Quoted{line.PluCode}, " and PluType='PLU') or (PluCode=", Quoted{line.CAT},
+                   " and PluType='CAT') or (PluCode=", Quoted{line.BRD}, " and PluType='BRD'))");
 }
 
 void LogUnusableSaleCount(Text billNo, std::int32_t serialNo) { LogUnusableSaleCount(billNo, FormatI(serialNo)); }

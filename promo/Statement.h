@@ -1,25 +1,25 @@
 #ifndef QNCORVANE_PROMO_STATEMENT_H
 #define QNCORVANE_PROMO_STATEMENT_H
 
-#include <QString>
+#include <cstdint>
+#include <string>
 
 #include "base/Text.h"
+#include "db/QnPosDBPro.h"
+#include "db/SqlText.h"
 #include "sale/SaleRecords.h"
 
 namespace Corvane {
 
-// The statements of the rule loaders are joined as plain text. Nothing is escaped: rule numbers and goods codes are the
-// store's own data and are trusted.
-
-/// Joins the pieces of a statement; null pieces are empty.
+/// Joins the pieces of a rule loader's statement in the dialect of an open connection: words as literals, values as
+/// `Quoted`.
 template <class... Piece>
-QString Statement(const Piece&... pieces) {
-  const std::string joined = Join(pieces...);
-  return QString::fromUtf8(joined.data(), static_cast<int>(joined.size()));
+SqlText Statement(const QnPosDBPro& db, const Piece&... pieces) {
+  return SqlText(db.Dialect(), pieces...);
 }
 
 /// The clause that picks the rows naming a line's goods, its category or its brand.
-std::string RowsOfLine(const SalePlu& line);
+SqlText RowsOfLine(const QnPosDBPro& db, const SalePlu& line);
 
 /// Logs that a row's piece count is below 1, with which no set can be formed: the row gives nothing.
 void LogUnusableSaleCount(Text billNo, std::int32_t serialNo);

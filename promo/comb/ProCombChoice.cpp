@@ -5,7 +5,6 @@
 
 #include "base/Numbers.h"
 #include "base/Walk.h"
-#include "db/RowFields.h"
 #include "engine/Log.h"
 #include "promo/DetailQuery.h"
 #include "promo/Statement.h"
@@ -72,28 +71,22 @@ bool ProCombChoice::LoadRuleDetail(QString& message) {
 }
 
 bool ProCombChoice::LoadSlots(QString& message) {
-  QSqlQuery query;
-  const QString sql =
-      Statement("select ProActCode,ProActname,IsRequired from tProPrjCombProAct where BillNo='", Info.BillNo, "'");
-  if (!OpenDetail(m_db, sql, query, message)) return false;
-  ReadRows(query, kSlotColumns, [&](const CombChoiceSlot& slot) { m_slots.push_back(slot); });
-  return true;
+  const SqlText sql = Statement(
+      m_db, "select ProActCode,ProActname,IsRequired from tProPrjCombProAct where BillNo=", Quoted{Info.BillNo});
+  return LoadDetail(m_db, sql, kSlotColumns, message, [&](const CombChoiceSlot& slot) { m_slots.push_back(slot); });
 }
 
 /// Puts each row into the first slot of its code; a row without a slot is dropped.
 bool ProCombChoice::LoadRows(QString& message) {
-  QSqlQuery query;
-  const QString sql =
-      Statement("select ProActCode,PluCode,SaleCount,DscPrice from tProPrjCombPluSet where BillNo='", Info.BillNo, "'");
-  if (!OpenDetail(m_db, sql, query, message)) return false;
-  ReadRows(query, kRowColumns, [&](CombChoiceRow& row) {
+  const SqlText sql = Statement(
+      m_db, "select ProActCode,PluCode,SaleCount,DscPrice from tProPrjCombPluSet where BillNo=", Quoted{Info.BillNo});
+  return LoadDetail(m_db, sql, kRowColumns, message, [&](CombChoiceRow& row) {
     const auto slot = std::find_if(m_slots.begin(), m_slots.end(),
                                    [&](const CombChoiceSlot& held) { return Same(held.ProActCode, row.ProActCode); });
     if (slot == m_slots.end()) return;
     row.BillNo = Info.BillNo;
     slot->Rows.push_back(row);
   });
-  return true;
 }
 
 // --- Number of menus ------------------------------------------------------------------------------------------------

@@ -4,7 +4,6 @@
 #include <iterator>
 
 #include "base/Walk.h"
-#include "db/RowFields.h"
 #include "engine/Log.h"
 #include "promo/DetailQuery.h"
 #include "promo/PercentKept.h"
@@ -83,41 +82,32 @@ bool ProCombCondition::LoadRuleDetail(QString& message) {
 }
 
 bool ProCombCondition::LoadConditions(QString& message) {
-  QSqlQuery query;
-  const QString sql =
-      Statement("select SerialNo,PluCode,PluType,SaleCount,PriceTotal  from tProCombConditionAct where BillNo='",
-                Info.BillNo, "'");
-  if (!OpenDetail(m_db, sql, query, message)) return false;
-  ReadRows(query, kConditionColumns, [&](PluCondition& row) {
+  const SqlText sql =
+      Statement(m_db, "select SerialNo,PluCode,PluType,SaleCount,PriceTotal  from tProCombConditionAct where BillNo=",
+                Quoted{Info.BillNo});
+  return LoadDetail(m_db, sql, kConditionColumns, message, [&](PluCondition& row) {
     row.BillNo = Info.BillNo;
     row.Index = static_cast<std::int32_t>(m_conditions.size());
     m_conditions.push_back(row);
   });
-  return true;
 }
 
 bool ProCombCondition::LoadControls(QString& message) {
-  QSqlQuery query;
-  const QString sql =
-      Statement("select SerialNo,PriceTotal,CountTotal from tProPrjCombCtrl where BillNo='", Info.BillNo, "'");
-  if (!OpenDetail(m_db, sql, query, message)) return false;
-  ReadRows(query, kControlColumns, [&](const CombCondCtrl& row) { m_controls.push_back(row); });
-  return true;
+  const SqlText sql =
+      Statement(m_db, "select SerialNo,PriceTotal,CountTotal from tProPrjCombCtrl where BillNo=", Quoted{Info.BillNo});
+  return LoadDetail(m_db, sql, kControlColumns, message, [&](const CombCondCtrl& row) { m_controls.push_back(row); });
 }
 
 bool ProCombCondition::LoadActions(QString& message) {
-  QSqlQuery query;
-  const QString sql = Statement(
-      "select SerialNo,PluCode,PluType,SaleCount,DscType,DscPrice,DscRate  from tProPrjCombPluSet where BillNo='",
-      Info.BillNo, "'");
-  if (!OpenDetail(m_db, sql, query, message)) return false;
-  ReadRows(query, kActionColumns, [&](PluAction& row) {
+  const SqlText sql = Statement(
+      m_db, "select SerialNo,PluCode,PluType,SaleCount,DscType,DscPrice,DscRate  from tProPrjCombPluSet where BillNo=",
+      Quoted{Info.BillNo});
+  return LoadDetail(m_db, sql, kActionColumns, message, [&](PluAction& row) {
     row.BillNo = Info.BillNo;
     row.Index = static_cast<std::int32_t>(m_actions.size());
     row.DisRate = PercentKept(row.DisRate);
     m_actions.push_back(row);
   });
-  return true;
 }
 
 // --- Conditions -----------------------------------------------------------------------------------------------------

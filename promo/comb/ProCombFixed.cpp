@@ -4,7 +4,6 @@
 
 #include "base/Numbers.h"
 #include "base/Walk.h"
-#include "db/RowFields.h"
 #include "engine/Log.h"
 #include "promo/DetailQuery.h"
 #include "promo/Statement.h"
@@ -78,30 +77,29 @@ void ProCombFixed::CalcRule(ProSale& sale, std::vector<SalePlu>& changed) {
 bool ProCombFixed::LoadRuleDetail(QString& message) {
   m_rows.clear();
   if (!m_db.EnsureOpen(message)) return false;
-  QSqlQuery query;
-  const QString sql = Statement("select PriceType, PriceTotal from tProPrjCombProAct where BillNo='", Info.BillNo, "'");
-  if (!OpenDetail(m_db, sql, query, message)) return false;
+  const SqlText sql =
+      Statement(m_db, "select PriceType, PriceTotal from tProPrjCombProAct where BillNo=", Quoted{Info.BillNo});
   std::optional<CombFixedPrice> price;
-  ReadRows(query, kPriceColumns, [&](const CombFixedPrice& row) {
+  const auto takeFirst = [&](const CombFixedPrice& row) {
     if (!price) price = row;
-  });
+  };
+  if (!LoadDetail(m_db, sql, kPriceColumns, message, takeFirst)) return false;
   return !price || LoadRows(*price, message);
 }
 
 bool ProCombFixed::LoadRows(const CombFixedPrice& price, QString& message) {
-  QSqlQuery query;
-  const QString sql = Statement(
-      "select SerialNo,PluCode,PluType,SaleCount,DscPrice from tProPrjCombPluSet where BillNo='", Info.BillNo, "'");
-  if (!OpenDetail(m_db, sql, query, message, kRowsFailed)) return false;
-  ReadRows(query, kRowColumns, [&](CombFixedRow& row) {
+  const SqlText sql = Statement(
+      m_db,
+      "select SerialNo,PluCode,PluType,SaleCount,DscPrice from tProPrjCombPluSet where BillNo=", Quoted{Info.BillNo});
+  const auto take = [&](CombFixedRow& row) {
     if (PrintsAsZero(row.SaleCount)) return;
     row.BillNo = Info.BillNo;
     row.Index = static_cast<std::int32_t>(m_rows.size());
     row.PriceType = price.PriceType;
     if (Same(price.PriceType, FixedPrice::kPerCombination)) row.DscPrice = price.PriceTotal;
     m_rows.push_back(row);
-  });
-  return true;
+  };
+  return LoadDetail(m_db, sql, kRowColumns, message, take, kRowsFailed);
 }
 
 // --- Number of combinations -----------------------------------------------------------------------------------------

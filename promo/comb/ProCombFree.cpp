@@ -6,7 +6,6 @@
 
 #include "base/Numbers.h"
 #include "base/Walk.h"
-#include "db/RowFields.h"
 #include "engine/Log.h"
 #include "promo/DetailQuery.h"
 #include "promo/PercentKept.h"
@@ -86,17 +85,15 @@ bool ProCombFree::LoadRuleDetail(const std::vector<SalePlu>& lines, QString& mes
 
 /// Reads the rows that name the line's goods, category or brand. A row that several lines hit is kept once.
 bool ProCombFree::LoadPluRows(const SalePlu& line, QString& message) {
-  QSqlQuery query;
-  const QString sql = Statement("select SerialNo,PluCode,PluType  from tProPrjCombPluSet where BillNo='", Info.BillNo,
-                                "'", RowsOfLine(line));
-  if (!OpenDetail(m_db, sql, query, message)) return false;
-  ReadRows(query, kPluColumns, [&](CombFreePluRow& row) {
+  const SqlText sql =
+      Statement(m_db, "select SerialNo,PluCode,PluType  from tProPrjCombPluSet where BillNo=", Quoted{Info.BillNo},
+                RowsOfLine(m_db, line));
+  return LoadDetail(m_db, sql, kPluColumns, message, [&](CombFreePluRow& row) {
     if (HoldsPluRow(row.SerialNo)) return;
     row.BillNo = Info.BillNo;
     row.Index = static_cast<std::int32_t>(m_pluRows.size());
     m_pluRows.push_back(row);
   });
-  return true;
 }
 
 bool ProCombFree::HoldsPluRow(std::int32_t serialNo) const {
@@ -105,17 +102,14 @@ bool ProCombFree::HoldsPluRow(std::int32_t serialNo) const {
 }
 
 bool ProCombFree::LoadTiers(QString& message) {
-  QSqlQuery query;
-  const QString sql = Statement("select SerialNo,SaleCount,PriceType,PriceTotal from tProPrjCombProAct where BillNo='",
-                                Info.BillNo, "'");
-  if (!OpenDetail(m_db, sql, query, message)) return false;
-  ReadRows(query, kTierColumns, [&](CombFreeActRow& tier) {
+  const SqlText sql = Statement(
+      m_db, "select SerialNo,SaleCount,PriceType,PriceTotal from tProPrjCombProAct where BillNo=", Quoted{Info.BillNo});
+  return LoadDetail(m_db, sql, kTierColumns, message, [&](CombFreeActRow& tier) {
     tier.BillNo = Info.BillNo;
     tier.Index = static_cast<std::int32_t>(m_tiers.size());
     if (Same(tier.PriceType, TierPrice::kPercentOff)) tier.PriceTotal = PercentKept(tier.PriceTotal);
     m_tiers.push_back(tier);
   });
-  return true;
 }
 
 // --- Pool -----------------------------------------------------------------------------------------------------------

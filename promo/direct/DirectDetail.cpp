@@ -1,11 +1,10 @@
 #include "promo/direct/DirectDetail.h"
 
-#include <QSqlQuery>
 #include <algorithm>
 #include <cstddef>
 
-#include "db/RowFields.h"
 #include "engine/Log.h"
+#include "promo/DetailQuery.h"
 #include "promo/PercentKept.h"
 #include "promo/Statement.h"
 
@@ -35,11 +34,11 @@ constexpr RowField<DirectRow> kColumns[] = {
     {"TradeMaxCount", Column::Double<&DirectRow::TradeMaxCount>},
 };
 
-QString SelectOfLine(Text billNo, const SalePlu& line) {
-  return Statement(
-      "select DscType,DscPrice,DscRate,SaleCount,TradeMaxCount,SerialNo,PluCode,PluType,InRange from "
-      "tProPrjDirectProAct where BillNo='",
-      billNo, "'", RowsOfLine(line));
+SqlText SelectOfLine(const QnPosDBPro& db, Text billNo, const SalePlu& line) {
+  return Statement(db,
+                   "select DscType,DscPrice,DscRate,SaleCount,TradeMaxCount,SerialNo,PluCode,PluType,InRange from "
+                   "tProPrjDirectProAct where BillNo=",
+                   Quoted{billNo}, RowsOfLine(db, line));
 }
 
 }  // namespace
@@ -61,20 +60,16 @@ void DirectDetail::LoadRuleDetail(QnPosDBPro& db, Text billNo, const std::vector
 
 void DirectDetail::LoadRowsOf(const SalePlu& line, QnPosDBPro& db, Text billNo) {
   QString error;
-  QSqlQuery query;
-  if (!db.EnsureOpen(error) || !db.openRecordset(SelectOfLine(billNo, line), query, error)) {
-    Log(Join("获取普通类促销详情失败", billNo));
-    return;
-  }
-  Log(Join("获取普通类促销详情成功", billNo));
-  ReadRows(query, kColumns, [&](const DirectRow& row) {
+  const auto take = [&](const DirectRow& row) {
     if (Holds(row.SerialNo)) return;
     ProDetailKey head = row;
     head.BillNo = billNo;
     head.Index = static_cast<std::int32_t>(m_conditions.size());
     m_conditions.push_back({head, row.SaleCount, 0, row.TradeMaxCount});
     m_actions.push_back({head, row.DscType, 0, row.DscPrice, PercentKept(row.DscRate)});
-  });
+  };
+  const bool read = db.EnsureOpen(error) && SelectRows(db, SelectOfLine(db, billNo, line), kColumns, error, take);
+  Log(Join(read ? "获取普通类促销详情成功" : "获取普通类促销详情失败", billNo));
 }
 
 const PluAction& DirectDetail::ActionOf(const ProDetailKey& condition) const {

@@ -1,11 +1,8 @@
 #include "promo/mz/ConditionRows.h"
 
-#include <QSqlQuery>
 #include <algorithm>
 #include <cstdint>
-#include <string>
 
-#include "db/RowFields.h"
 #include "promo/DetailQuery.h"
 #include "promo/Statement.h"
 #include "rule/EligibleQuantity.h"
@@ -21,9 +18,23 @@ constexpr RowField<PluCondition> kColumns[] = {
     {"ListCode", Column::KeptText<&PluCondition::ListCode>}, {"DataId", Column::KeptText<&PluCondition::DataId>},
 };
 
-std::string SelectOfRule(Text billNo) {
-  return Join("select SerialNo,PluCode,PluType,InRange,ListCode,DataId from tProMzConPluSet where BillNo='", billNo,
-              "'");
+constexpr char kRowsOfRule[] = "SerialNo,PluCode,PluType,InRange,ListCode,DataId from tProMzConPluSet where BillNo=";
+
+SqlText SelectOfLine(const QnPosDBPro& db, Text billNo, const SalePlu& line) {
+  return Statement(db, "select ", kRowsOfRule, Quoted{billNo}, RowsOfLine(db, line));
+}
+
+/// Any one row of the rule.
+SqlText SelectOneRow(const QnPosDBPro& db, Text billNo) {
+  switch (db.Dialect().AskForOneRow) {
+    case SqlDialect::OneRow::Top:
+      return Statement(db, "select top 1 ", kRowsOfRule, Quoted{billNo});
+    case SqlDialect::OneRow::RowNum:
+      return Statement(db, "select ", kRowsOfRule, Quoted{billNo}, " and rownum<=1");
+    case SqlDialect::OneRow::Limit:
+      break;
+  }
+  return Statement(db, "select ", kRowsOfRule, Quoted{billNo}, " limit 1 ");
 }
 
 bool Holds(const std::vector<PluCondition>& rows, const PluCondition& row) {
@@ -32,15 +43,12 @@ bool Holds(const std::vector<PluCondition>& rows, const PluCondition& row) {
   });
 }
 
-bool AppendRows(QnPosDBPro& db, Text billNo, const QString& sql, std::vector<PluCondition>& rows, QString& error) {
-  QSqlQuery query;
-  if (!OpenDetail(db, sql, query, error)) return false;
-  ReadRows(query, kColumns, [&](PluCondition& row) {
+bool AppendRows(QnPosDBPro& db, Text billNo, const SqlText& sql, std::vector<PluCondition>& rows, QString& error) {
+  return LoadDetail(db, sql, kColumns, error, [&](PluCondition& row) {
     row.BillNo = billNo;
     row.Index = static_cast<std::int32_t>(rows.size());
     if (!Holds(rows, row)) rows.push_back(row);
   });
-  return true;
 }
 
 }  // namespace
@@ -48,7 +56,7 @@ bool AppendRows(QnPosDBPro& db, Text billNo, const QString& sql, std::vector<Plu
 bool LoadListConditions(QnPosDBPro& db, Text billNo, Text listCode, const std::vector<SalePlu>& lines,
                         std::vector<PluCondition>& rows, QString& error) {
   return std::all_of(lines.begin(), lines.end(), [&](const SalePlu& line) {
-    const QString sql = Statement(SelectOfRule(billNo), RowsOfLine(line), " and ListCode='", listCode, "'");
+    const SqlText sql = Statement(db, SelectOfLine(db, billNo, line), " and ListCode=", Quoted{listCode});
     return AppendRows(db, billNo, sql, rows, error);
   });
 }
@@ -56,10 +64,10 @@ bool LoadListConditions(QnPosDBPro& db, Text billNo, Text listCode, const std::v
 bool LoadRuleConditions(QnPosDBPro& db, Text billNo, const std::vector<SalePlu>& lines, std::vector<PluCondition>& rows,
                         QString& error) {
   const bool loaded = std::all_of(lines.begin(), lines.end(), [&](const SalePlu& line) {
-    return AppendRows(db, billNo, Statement(SelectOfRule(billNo), RowsOfLine(line)), rows, error);
+    return AppendRows(db, billNo, SelectOfLine(db, billNo, line), rows, error);
   });
   if (!loaded || !rows.empty()) return loaded;
-  return AppendRows(db, billNo, Statement(SelectOfRule(billNo), " limit 1 "), rows, error);
+  return AppendRows(db, billNo, SelectOneRow(db, billNo), rows, error);
 }
 
 RuleLines SelectConditionLines(const ProInfo& rule, const std::vector<PluCondition>& rows,

@@ -21,11 +21,13 @@ namespace Corvane {
 void ProMzFree::InitRule(Text xml) { ReadRule(xml, *this); }
 
 bool ProMzFree::LoadRuleDetail(Text billNo, const std::vector<SalePlu>& lines, QString& error) {
-  const QString scheme = Statement(
-      "select SerialNo,PluCode,BaseConType,BaseConNum,BaseDscType,BaseDscNum,AddConNum,AddDscNum,SaleMaxIn "
-      "from tProMzScheme where BillNo='",
-      billNo, "'");
-  return m_db.EnsureOpen(error) && LoadRuleConditions(m_db, billNo, lines, m_conditions, error) &&
+  if (!m_db.EnsureOpen(error)) return false;
+  const SqlText scheme =
+      Statement(m_db,
+                "select SerialNo,PluCode,BaseConType,BaseConNum,BaseDscType,BaseDscNum,AddConNum,AddDscNum,SaleMaxIn "
+                "from tProMzScheme where BillNo=",
+                Quoted{billNo});
+  return LoadRuleConditions(m_db, billNo, lines, m_conditions, error) &&
          LoadScheme(m_db, billNo, scheme, m_tiers, error);
 }
 

@@ -15,11 +15,13 @@ namespace Corvane {
 void ProMzGift::InitRule(Text xml) { ReadRule(xml, *this); }
 
 bool ProMzGift::LoadRuleDetail(Text billNo, const std::vector<SalePlu>& lines, QString& error) {
-  const QString scheme = Statement(
+  if (!m_db.EnsureOpen(error)) return false;
+  const SqlText scheme = Statement(
+      m_db,
       "select SerialNo,PluCode,BaseConType,BaseConNum,BaseDscType,BaseDscNum,AddConNum,AddDscNum,SaleMaxIn,DscPrice "
-      "from tProMzScheme where BillNo='",
-      billNo, "'");
-  return m_db.EnsureOpen(error) && LoadRuleConditions(m_db, billNo, lines, m_conditions, error) &&
+      "from tProMzScheme where BillNo=",
+      Quoted{billNo});
+  return LoadRuleConditions(m_db, billNo, lines, m_conditions, error) &&
          LoadScheme(m_db, billNo, scheme, m_tiers, error);
 }
 

@@ -1,6 +1,5 @@
 #include "promo/mz/ProMzPlu.h"
 
-#include <QSqlQuery>
 #include <algorithm>
 #include <optional>
 
@@ -21,11 +20,12 @@ namespace Corvane {
 
 namespace {
 
-QString SelectOfLine(Text billNo, const SalePlu& line) {
+SqlText SelectOfLine(const QnPosDBPro& db, Text billNo, const SalePlu& line) {
   return Statement(
+      db,
       "select SerialNo,PluCode,PluType,BaseConType,BaseConNum,BaseDscType,BaseDscNum,AddConNum,AddDscNum,SaleMaxIn,"
-      "DataId from tProMzPluAct where BillNo='",
-      billNo, "'", RowsOfLine(line));
+      "DataId from tProMzPluAct where BillNo=",
+      Quoted{billNo}, RowsOfLine(db, line));
 }
 
 /// The goods of a tier as the one condition that chooses its lines.
@@ -56,14 +56,11 @@ bool ProMzPlu::LoadRuleDetail(Text billNo, const std::vector<SalePlu>& lines, QS
 }
 
 bool ProMzPlu::LoadTiersOfLine(Text billNo, const SalePlu& line, QString& error) {
-  QSqlQuery query;
-  if (!OpenDetail(m_db, SelectOfLine(billNo, line), query, error)) return false;
-  ReadRows(query, kGoodsTierColumns, [&](PluAddAction& tier) {
+  return LoadDetail(m_db, SelectOfLine(m_db, billNo, line), kGoodsTierColumns, error, [&](PluAddAction& tier) {
     tier.BillNo = billNo;
     tier.Index = static_cast<std::int32_t>(m_tiers.size());
     if (!Holds(tier)) m_tiers.push_back(tier);
   });
-  return true;
 }
 
 bool ProMzPlu::Holds(const PluAddAction& tier) const {

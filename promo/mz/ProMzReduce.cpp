@@ -1,6 +1,5 @@
 #include "promo/mz/ProMzReduce.h"
 
-#include <QSqlQuery>
 #include <algorithm>
 #include <cstdint>
 #include <utility>
@@ -51,12 +50,13 @@ constexpr RowField<PluAddAction> kTierColumns[] = {
 void ProMzReduce::InitRule(Text xml) { ReadRule(xml, *this); }
 
 bool ProMzReduce::LoadRuleDetail(Text billNo, const std::vector<SalePlu>& lines, QString& error) {
-  const QString sql = Statement(
-      "SELECT ConAreaType,RstAreaType,MaxDiscount,DscIntoPlu,ListCode FROM tpromzlist where BillNo='", billNo, "'");
-  QSqlQuery query;
-  if (!m_db.EnsureOpen(error) || !OpenDetail(m_db, sql, query, error)) return false;
+  if (!m_db.EnsureOpen(error)) return false;
+  const SqlText sql = Statement(
+      m_db,
+      "SELECT ConAreaType,RstAreaType,MaxDiscount,DscIntoPlu,ListCode FROM tpromzlist where BillNo=", Quoted{billNo});
   std::vector<ListRow> offers;
-  ReadRows(query, kListColumns, [&](const ListRow& offer) { offers.push_back(offer); });
+  const auto take = [&](const ListRow& offer) { offers.push_back(offer); };
+  if (!LoadDetail(m_db, sql, kListColumns, error, take)) return false;
   return std::all_of(offers.begin(), offers.end(), [&](ListRow& offer) {
     const bool read = LoadListConditions(m_db, billNo, offer.ListCode, lines, offer.Conditions, error) &&
                       LoadTiers(billNo, offer.ListCode, offer.Tiers, error);
@@ -66,17 +66,14 @@ bool ProMzReduce::LoadRuleDetail(Text billNo, const std::vector<SalePlu>& lines,
 }
 
 bool ProMzReduce::LoadTiers(Text billNo, Text listCode, std::vector<PluAddAction>& tiers, QString& error) {
-  const QString sql = Statement(
-      "SELECT DscType,BaseMoney,BaseDscMoney,AddMoney,AddDscMoney,SaleMaxIn FROM tProMzDiscountAct where BillNo='",
-      billNo, "' and ListCode='", listCode, "'");
-  QSqlQuery query;
-  if (!OpenTiers(m_db, sql, query, error)) return false;
-  ReadRows(query, kTierColumns, [&](PluAddAction& tier) {
+  const SqlText sql = Statement(
+      m_db, "SELECT DscType,BaseMoney,BaseDscMoney,AddMoney,AddDscMoney,SaleMaxIn FROM tProMzDiscountAct where BillNo=",
+      Quoted{billNo}, " and ListCode=", Quoted{listCode});
+  return LoadTierRows(m_db, sql, kTierColumns, error, [&](PluAddAction& tier) {
     tier.BillNo = billNo;
     tier.Index = static_cast<std::int32_t>(tiers.size());
     tiers.push_back(tier);
   });
-  return true;
 }
 
 void ProMzReduce::CalcRule(ProSale& sale) {

@@ -1,6 +1,5 @@
 #include "promo/mz/Scheme.h"
 
-#include <QSqlQuery>
 #include <cstdint>
 
 #include "promo/mz/TierColumns.h"
@@ -8,15 +7,12 @@
 
 namespace Corvane {
 
-bool LoadScheme(QnPosDBPro& db, Text billNo, const QString& sql, std::vector<PluAddAction>& tiers, QString& error) {
-  QSqlQuery query;
-  if (!OpenTiers(db, sql, query, error)) return false;
-  ReadRows(query, kGoodsTierColumns, [&](PluAddAction& tier) {
+bool LoadScheme(QnPosDBPro& db, Text billNo, const SqlText& sql, std::vector<PluAddAction>& tiers, QString& error) {
+  return LoadTierRows(db, sql, kGoodsTierColumns, error, [&](PluAddAction& tier) {
     tier.BillNo = billNo;
     tier.Index = static_cast<std::int32_t>(tiers.size());
     tiers.push_back(tier);
   });
-  return true;
 }
 
 }  // namespace Corvane

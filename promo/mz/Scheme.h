@@ -6,6 +6,7 @@
 
 #include "base/Text.h"
 #include "db/QnPosDBPro.h"
+#include "db/SqlText.h"
 #include "sale/SaleRecords.h"
 
 namespace Corvane {
@@ -15,7 +16,7 @@ namespace Corvane {
 ///
 /// @param sql   the rule type's own selection; a column that it doesn't name reads as 0 or empty.
 /// @param error out: on failure the database's text, which the log then has too.
-bool LoadScheme(QnPosDBPro& db, Text billNo, const QString& sql, std::vector<PluAddAction>& tiers, QString& error);
+bool LoadScheme(QnPosDBPro& db, Text billNo, const SqlText& sql, std::vector<PluAddAction>& tiers, QString& error);
 
 }  // namespace Corvane
 

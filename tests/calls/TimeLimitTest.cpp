@@ -666,17 +666,16 @@ TEST_F(TimeLimit, WithoutAColumnARuleGivesNothingAndTheSaleGoesOn) {
   EXPECT_EQ(Count(TakeLog(), "获取普通类促销详情失败X1"), 1);
 }
 
-TEST_F(TimeLimit, AQuoteInACodeSpoilsThatLinesQueryOnly) {
-  Put({DirectRow("X1", 1, "COLA").Price("8")});
+TEST_F(TimeLimit, ACodeWithAQuoteGetsItsDiscount) {
+  Put({DirectRow("X1", 1, "O''LEARY").Price("8"), DirectRow("X1", 2, "L''OR", "BRD").Price("7")});
   LoadRule("X1");
   TakeLog();
 
-  const Answer sale = Sell(LineXml(1, "O'LEARY", "10", "1", "10") + LineXml(2, "COLA", "10", "1", "10"));
+  const Answer sale =
+      Sell(LineXml(1, "O'LEARY", "10", "1", "10") + LineXml(2, "COLA", "10", "1", "10", R"(BRD="L'OR")"));
 
-  EXPECT_THAT(DiscountsOf(sale.Out), ElementsAre("2 COLA: X1 on 1.00 gives 2.00"));
-  const auto log = TakeLog();
-  EXPECT_EQ(Count(log, "获取普通类促销详情失败X1"), 1);
-  EXPECT_EQ(Count(log, "获取普通类促销详情成功X1"), 1);
+  EXPECT_THAT(DiscountsOf(sale.Out), ElementsAre("1 O'LEARY: X1 on 1.00 gives 2.00", "2 COLA: X1 on 1.00 gives 3.00"));
+  EXPECT_EQ(Count(TakeLog(), "获取普通类促销详情成功X1"), 2);
 }
 
 }  // namespace

@@ -78,10 +78,10 @@ TEST_F(MySql, ANullReadsAsTheEmptyTextInAColumnOfNumbersToo) {
   TextRow read;
   const auto take = [&read](const TextRow& row) { read = row; };
   ASSERT_TRUE(Ask("select * from t"));
-  Corvane::ReadRows<TextRow>(m_query, word, take);
+  EXPECT_TRUE(Corvane::ReadRows<TextRow>(*m_db, m_query, word, m_error, take));
   EXPECT_STREQ(read.Text, "");
   ASSERT_TRUE(Ask("select * from t"));
-  Corvane::ReadRows<TextRow>(m_query, number, take);
+  EXPECT_TRUE(Corvane::ReadRows<TextRow>(*m_db, m_query, number, m_error, take));
   EXPECT_STREQ(read.Text, "");
 }
 

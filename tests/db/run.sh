@@ -12,7 +12,7 @@ trap 'rm -rf "$work"' EXIT
 
 # Drivers under the names that the engine asks for, known to these tests only.
 mkdir "$work/odbc" "$work/no-odbc" "$work/mdb-odbc"
-driver=$(find /usr/lib -name libsqlite3odbc.so -print -quit)
+driver=$build/lib/libdb_stand_in.so
 cat >"$work/odbc/odbcinst.ini" <<INI
 [SQL SERVER]
 Driver=$driver

@@ -45,12 +45,12 @@ TEST(DatabaseSettings, AreReadFromTheCurrentDirectory) {
   const Store store;
   Store::Configure("DbType=Oracle\nServiceName=db.store\nDBName=shop\nUserName=till\nPassword=s3cret\nPort=1522\n");
   const OpenFields db;
-  EXPECT_EQ(Utf8(db.DbType), "Oracle");
-  EXPECT_EQ(Utf8(db.ServiceName), "db.store");
-  EXPECT_EQ(Utf8(db.DBName), "shop");
-  EXPECT_EQ(Utf8(db.UserName), "till");
-  EXPECT_EQ(Utf8(db.Password), "s3cret");
-  EXPECT_EQ(db.Port, 1522);
+  EXPECT_EQ(Utf8(db.Settings.DbType), "Oracle");
+  EXPECT_EQ(Utf8(db.Settings.ServiceName), "db.store");
+  EXPECT_EQ(Utf8(db.Settings.DBName), "shop");
+  EXPECT_EQ(Utf8(db.Settings.UserName), "till");
+  EXPECT_EQ(Utf8(db.Settings.Password), "s3cret");
+  EXPECT_EQ(db.Settings.Port, 1522);
 }
 
 TEST(DatabaseSettings, OpenNothingAtConstruction) {
@@ -77,33 +77,33 @@ TEST(DatabaseSettings, AreReadAtConstructionOnly) {
 TEST(DatabaseSettings, AreEmptyOrZeroWithoutAFile) {
   const Store store;
   const OpenFields db;
-  EXPECT_TRUE(db.DbType.isEmpty());
-  EXPECT_TRUE(db.ServiceName.isEmpty());
-  EXPECT_TRUE(db.DBName.isEmpty());
-  EXPECT_TRUE(db.UserName.isEmpty());
-  EXPECT_TRUE(db.Password.isEmpty());
-  EXPECT_EQ(db.Port, 0);
+  EXPECT_TRUE(db.Settings.DbType.isEmpty());
+  EXPECT_TRUE(db.Settings.ServiceName.isEmpty());
+  EXPECT_TRUE(db.Settings.DBName.isEmpty());
+  EXPECT_TRUE(db.Settings.UserName.isEmpty());
+  EXPECT_TRUE(db.Settings.Password.isEmpty());
+  EXPECT_EQ(db.Settings.Port, 0);
 }
 
 TEST(DatabaseSettings, APortThatIsNoNumberIsZero) {
   const Store store;
   Store::Configure("DbType=MYSQL\nPort=default\n");
-  EXPECT_EQ(OpenFields().Port, 0);
+  EXPECT_EQ(OpenFields().Settings.Port, 0);
 }
 
 TEST(DatabaseSettings, KeepCommasInPasswordAndPath) {
   const Store store;
   Store::Configure("DbType=SQLITE\nDBName=./a,b.sqlite\nPassword=x,y,z\n");
   const OpenFields db;
-  EXPECT_EQ(Utf8(db.DBName), "./a,b.sqlite");
-  EXPECT_EQ(Utf8(db.Password), "x,y,z");
+  EXPECT_EQ(Utf8(db.Settings.DBName), "./a,b.sqlite");
+  EXPECT_EQ(Utf8(db.Settings.Password), "x,y,z");
 }
 
 TEST(DatabaseSettings, AreUtf8) {
   const Store store;
   Store::Configure("DbType=SQLITE\nDBName=./门店.sqlite\n");
   OpenFields db;
-  EXPECT_EQ(Utf8(db.DBName), "./门店.sqlite");
+  EXPECT_EQ(Utf8(db.Settings.DBName), "./门店.sqlite");
   QString error;
   EXPECT_TRUE(db.EnsureOpen(error)) << Utf8(error);
   EXPECT_TRUE(QFile::exists(QStringLiteral("门店.sqlite")));
@@ -274,17 +274,18 @@ TEST(DatabaseConnection, IsSharedByCopies) {
   EXPECT_TRUE(db.Db->isOpen());
 }
 
-TEST(DatabaseConnection, OfACopyMadeBeforeTheFirstOpenIsItsOwn) {
+TEST(DatabaseConnection, IsSharedByCopiesMadeBeforeTheFirstOpen) {
   const Store store;
   Store::Configure("DbType=SQLITE\nDBName=./shop.sqlite\n");
   OpenFields db;
   OpenFields copy(db);
   QString error;
-  ASSERT_TRUE(db.EnsureOpen(error));
-  EXPECT_EQ(copy.Db, nullptr);
-  EXPECT_TRUE(copy.EnsureOpen(error));
-  EXPECT_NE(copy.Db, db.Db);
-  EXPECT_NE(Utf8(copy.ConnName), Utf8(db.ConnName));
+  ASSERT_TRUE(copy.EnsureOpen(error)) << Utf8(error);
+  ASSERT_NE(db.Db, nullptr);
+  EXPECT_EQ(copy.Db, db.Db);
+  EXPECT_EQ(Utf8(copy.ConnName), Utf8(db.ConnName));
+  EXPECT_TRUE(db.Db->isOpen());
+  EXPECT_TRUE(db.EnsureOpen(error)) << Utf8(error);
 }
 
 TEST(DatabaseOptions, NeedAConnection) {
@@ -327,9 +328,10 @@ TEST(DatabaseSqlite, APathIsUsedAsItStands) {
   EXPECT_TRUE(db.Open(QStringLiteral("s"), QStringLiteral("data/shop.db"), error, {}, {}, 0));
   EXPECT_TRUE(db.Open({}, QStringLiteral("data\\shop.db"), error, {}, {}, 0));
   EXPECT_TRUE(db.Open({}, QStringLiteral("C:shop.db"), error, {}, {}, 0));
-  EXPECT_EQ(TakeEvents(), (Events{"open db[data/shop.db] user[] password[] host[] port[-1] options[]",
-                                  "open db[data\\shop.db] user[] password[] host[] port[-1] options[]",
-                                  "open db[C:shop.db] user[] password[] host[] port[-1] options[]"}));
+  EXPECT_EQ(TakeEvents(),
+            (Events{"open db[data/shop.db] user[] password[] host[] port[-1] options[QSQLITE_BUSY_TIMEOUT=3000]",
+                    "open db[data\\shop.db] user[] password[] host[] port[-1] options[QSQLITE_BUSY_TIMEOUT=3000]",
+                    "open db[C:shop.db] user[] password[] host[] port[-1] options[QSQLITE_BUSY_TIMEOUT=3000]"}));
 }
 
 TEST(DatabaseSqlite, TheNameIsTrimmedButRememberedAsItCame) {
@@ -349,7 +351,7 @@ TEST(DatabaseSqlite, UserPasswordAndPortAreNotUsed) {
   OpenFields db;
   QString error;
   EXPECT_TRUE(db.EnsureOpen(error));
-  EXPECT_EQ(TakeEvents(), Events{"open db[./d] user[] password[] host[] port[-1] options[]"});
+  EXPECT_EQ(TakeEvents(), Events{"open db[./d] user[] password[] host[] port[-1] options[QSQLITE_BUSY_TIMEOUT=3000]"});
 }
 
 // ---- MYSQL
@@ -361,7 +363,9 @@ TEST(DatabaseMySql, EmptyServerAndUserAreTheLocalHostAndRoot) {
   OpenFields db;
   QString error;
   EXPECT_TRUE(db.EnsureOpen(error));
-  EXPECT_EQ(TakeEvents(), Events{"open db[shop] user[root] password[] host[localhost] port[-1] options[]"});
+  EXPECT_EQ(TakeEvents(),
+            Events{"open db[shop] user[root] password[] host[localhost] port[-1] "
+                   "options[MYSQL_OPT_CONNECT_TIMEOUT=3;MYSQL_OPT_READ_TIMEOUT=3;MYSQL_OPT_WRITE_TIMEOUT=3]"});
 }
 
 TEST(DatabaseMySql, ThePortIsNotApplied) {
@@ -371,7 +375,9 @@ TEST(DatabaseMySql, ThePortIsNotApplied) {
   OpenFields db;
   QString error;
   EXPECT_TRUE(db.EnsureOpen(error));
-  EXPECT_EQ(TakeEvents(), Events{"open db[d] user[u] password[p] host[h] port[-1] options[]"});
+  EXPECT_EQ(TakeEvents(),
+            Events{"open db[d] user[u] password[p] host[h] port[-1] "
+                   "options[MYSQL_OPT_CONNECT_TIMEOUT=3;MYSQL_OPT_READ_TIMEOUT=3;MYSQL_OPT_WRITE_TIMEOUT=3]"});
 }
 
 TEST(DatabaseMySql, SetNamesComesBeforeTheOpen) {
@@ -385,11 +391,15 @@ TEST(DatabaseMySql, SetNamesComesBeforeTheOpen) {
     const QtMessagesAsEvents messages;
     EXPECT_TRUE(db.EnsureOpen(error));
   }
-  EXPECT_EQ(TakeEvents(), (Events{"qt QSqlQuery::exec: database not open",
-                                  "open db[d] user[root] password[] host[localhost] port[-1] options[]"}));
+  EXPECT_EQ(TakeEvents(),
+            (Events{"qt QSqlQuery::exec: database not open",
+                    "open db[d] user[root] password[] host[localhost] port[-1] "
+                    "options[MYSQL_OPT_CONNECT_TIMEOUT=3;MYSQL_OPT_READ_TIMEOUT=3;MYSQL_OPT_WRITE_TIMEOUT=3]"}));
   EXPECT_TRUE(db.Open({}, QStringLiteral("e"), error, {}, {}, 0));
   EXPECT_EQ(TakeEvents(),
-            (Events{"exec SET NAMES 'utf8'", "open db[e] user[root] password[] host[localhost] port[-1] options[]"}));
+            (Events{"exec SET NAMES 'utf8'",
+                    "open db[e] user[root] password[] host[localhost] port[-1] "
+                    "options[MYSQL_OPT_CONNECT_TIMEOUT=3;MYSQL_OPT_READ_TIMEOUT=3;MYSQL_OPT_WRITE_TIMEOUT=3]"}));
 }
 
 // ---- SQLSERVER
@@ -402,7 +412,7 @@ TEST(DatabaseSqlServer, TheConnectionTextNamesServerAndDatabase) {
   QString error;
   EXPECT_TRUE(db.EnsureOpen(error));
   EXPECT_EQ(TakeEvents(), Events{"open db[DRIVER={SQL SERVER};SERVER=h%2;DATABASE=d] user[u] password[p] host[] "
-                                 "port[1433] options[]"});
+                                 "port[1433] options[SQL_ATTR_LOGIN_TIMEOUT=3;SQL_ATTR_CONNECTION_TIMEOUT=3]"});
 }
 
 TEST(DatabaseSqlServer, AGivenPortIsApplied) {
@@ -412,8 +422,8 @@ TEST(DatabaseSqlServer, AGivenPortIsApplied) {
   OpenFields db;
   QString error;
   EXPECT_TRUE(db.EnsureOpen(error));
-  EXPECT_EQ(TakeEvents(),
-            Events{"open db[DRIVER={SQL SERVER};SERVER=h;DATABASE=d] user[] password[] host[] port[14330] options[]"});
+  EXPECT_EQ(TakeEvents(), Events{"open db[DRIVER={SQL SERVER};SERVER=h;DATABASE=d] user[] password[] host[] "
+                                 "port[14330] options[SQL_ATTR_LOGIN_TIMEOUT=3;SQL_ATTR_CONNECTION_TIMEOUT=3]"});
 }
 
 // ---- ORACLE
@@ -461,7 +471,8 @@ TEST(DatabaseAccess, ABareNameIsAFileBesideTheExecutable) {
   EXPECT_TRUE(db.EnsureOpen(error));
   EXPECT_EQ(TakeEvents(),
             Events{"open db[DRIVER={Microsoft Access Driver (*.mdb,*.accdb)};DBQ=" + Utf8(TestExecutableDirectory()) +
-                   "/shop.mdb;UID=sa;PWD=p] user[] password[] host[] port[-1] options[]"});
+                   "/shop.mdb;UID=sa;PWD=p] user[] password[] host[] port[-1] "
+                   "options[SQL_ATTR_LOGIN_TIMEOUT=3;SQL_ATTR_CONNECTION_TIMEOUT=3]"});
 }
 
 TEST(DatabaseAccess, APathAndAUserAreUsedAsTheyStand) {
@@ -471,8 +482,11 @@ TEST(DatabaseAccess, APathAndAUserAreUsedAsTheyStand) {
   OpenFields db;
   QString error;
   EXPECT_TRUE(db.EnsureOpen(error));
-  EXPECT_EQ(TakeEvents(), Events{"open db[DRIVER={Microsoft Access Driver (*.mdb,*.accdb)};DBQ=/srv/shop.mdb;UID=u;"
-                                 "PWD=] user[] password[] host[] port[-1] options[]"});
+  EXPECT_EQ(
+      TakeEvents(),
+      Events{
+          "open db[DRIVER={Microsoft Access Driver (*.mdb,*.accdb)};DBQ=/srv/shop.mdb;UID=u;"
+          "PWD=] user[] password[] host[] port[-1] options[SQL_ATTR_LOGIN_TIMEOUT=3;SQL_ATTR_CONNECTION_TIMEOUT=3]"});
 }
 
 TEST(DatabaseAccess, AServerIsAConnectionFile) {
@@ -484,7 +498,8 @@ TEST(DatabaseAccess, AServerIsAConnectionFile) {
   QString error;
   EXPECT_TRUE(db.EnsureOpen(error));
   EXPECT_EQ(TakeEvents(), Events{"open db[DRIVER={Microsoft Access Driver (*.mdb,*.accdb)};DBQ=C:\\pos\\shop.mdb;"
-                                 "UID=sa;PWD=] user[] password[] host[] port[-1] options[]"});
+                                 "UID=sa;PWD=] user[] password[] host[] port[-1] "
+                                 "options[SQL_ATTR_LOGIN_TIMEOUT=3;SQL_ATTR_CONNECTION_TIMEOUT=3]"});
 }
 
 TEST(DatabaseAccess, AMissingConnectionFileIsAReasonAndOpensNothing) {

@@ -156,8 +156,8 @@ TEST_F(DbCursor, ACopyThatClosesOrReopensAHandleLeavesTheOthers) {
 
 TEST_F(DbCursor, AnAssignedCopyTakesTheConnectionOver) {
   OpenFields other;
-  other = *m_db;
-  EXPECT_EQ(other.Db, m_db->Db);
+  static_cast<Corvane::QnPosDBPro&>(other) = *m_db;
+  EXPECT_EQ(other.Slot, m_db->Slot);
   EXPECT_TRUE(other.OpenByHandle(1, Numbers));
   EXPECT_TRUE(m_db->IsEOF(1));
 }

@@ -8,8 +8,10 @@
 #include <QFile>
 #include <QString>
 #include <QTemporaryDir>
+#include <memory>
 #include <string>
 
+#include "db/Connection.h"
 #include "db/QnPosDBPro.h"
 
 namespace dbtest {
@@ -41,21 +43,18 @@ class Store {
   QString m_before;
 };
 
-/** `QnPosDBPro` with its fields in sight. */
+/** `QnPosDBPro` with its fields in sight; those that copies share are the same in a copy. */
 class OpenFields : public Corvane::QnPosDBPro {
  public:
-  using QnPosDBPro::ConnName;
-  using QnPosDBPro::Db;
-  using QnPosDBPro::DBName;
-  using QnPosDBPro::DbType;
-  using QnPosDBPro::DbTypeUpper;
-  using QnPosDBPro::OpenFailed;
-  using QnPosDBPro::OpenName;
-  using QnPosDBPro::Password;
-  using QnPosDBPro::Port;
   using QnPosDBPro::Queries;
-  using QnPosDBPro::ServiceName;
-  using QnPosDBPro::UserName;
+  using QnPosDBPro::Slot;
+
+  Corvane::DatabaseSettings& Settings = Slot->Settings;
+  std::shared_ptr<QSqlDatabase>& Db = Slot->Db;
+  QString& ConnName = Slot->ConnName;
+  QString& DbTypeUpper = Slot->DbTypeUpper;
+  QString& OpenName = Slot->OpenName;
+  qint32& OpenFailed = Slot->OpenFailed;
 };
 
 }  // namespace dbtest

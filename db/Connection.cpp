@@ -1,0 +1,240 @@
+#include "db/Connection.h"
+
+#include <QCoreApplication>
+#include <QSqlDriver>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <chrono>
+
+#include "db/ConnectionFile.h"
+#include "db/DriverFile.h"
+#include "db/Guarded.h"
+#include "db/HostDirectory.h"
+#include "db/Kind.h"
+#include "db/OdbcTimeout.h"
+#include "db/ProcessEnd.h"
+
+namespace Corvane {
+namespace {
+
+QString Translated(const char* text) { return QCoreApplication::translate("Corvane::QnPosDBPro", text); }
+
+QString NotOpened() { return Translated("数据库打开失败！"); }
+
+/// A bare file name is a file in the host's directory; anything with a separator or a drive is a path of its own.
+QString FilePath(const QString& name) {
+  const bool bare =
+      !name.contains(QLatin1Char(':')) && !name.contains(QLatin1Char('/')) && !name.contains(QLatin1Char('\\'));
+  return bare ? InHostDirectory(name) : name;
+}
+
+QString FirstFreeName() {
+  const QString pattern = QStringLiteral("MyDBProcessConn%1");
+  int number = 0;
+  while (QSqlDatabase::database(pattern.arg(number), false).isValid()) ++number;
+  return pattern.arg(number);
+}
+
+}  // namespace
+
+Connection::Connection() {
+  if (!ProcessEnd::HasCome()) Settings = ReadSettings();
+}
+
+bool Connection::HasDriver() const { return !ProcessEnd::HasCome() && Db && Db->isValid(); }
+
+bool Connection::IsOpen() const { return !ProcessEnd::HasCome() && Db && Db->isOpen(); }
+
+bool Connection::IsUsable() const { return !Use.IsOver() && IsOpen(); }
+
+// --- Opening --------------------------------------------------------------------------------------------------------
+
+bool Connection::EnsureOpen(QString& error) {
+  if (ProcessEnd::HasCome()) {
+    error += QStringLiteral("进程正在结束，数据库已关闭");
+    return false;
+  }
+  return Guarded(error, [&] {
+    QString reason = Use.Reason();
+    if (!Use.IsOver() && MakeOpen(reason)) {
+      OpenFailed = 0;
+      return true;
+    }
+    OpenFailed = 1;
+    Use.NoteFailedOpen(reason);
+    error = Settings.DbType.isEmpty() ? reason : error + reason;
+    return false;
+  });
+}
+
+bool Connection::MakeOpen(QString& reason) {
+  if (!HasDriverOrHope()) TryDriverAgain();
+  if (Settings.DbType.isEmpty()) {
+    reason = Translated("未设置数据库类型");
+    return false;
+  }
+  if (DbTypeUpper.isEmpty()) SetKind(Settings.DbType);
+  if (m_isSilent) {
+    Db->close();
+    m_isSilent = false;
+  }
+  if (Use.IsFirstUse() && IsOpen() && m_file.IsOutdated()) {
+    Db->close();
+    // Under the name that it had: the host may have gone to another directory since.
+    Db->setDatabaseName(m_file.Path());
+    if (OpenNamed(reason)) return true;
+    reason += NotOpened();
+    return false;
+  }
+  if (IsOpen() && !WasLost(reason)) return true;
+  // A server that was waited for in vain is not asked for a connection, too.
+  if (Use.IsOver()) return false;
+  reason.clear();
+  const DatabaseSettings& s = Settings;
+  if (Open(s.ServiceName, s.DBName, reason, s.UserName, s.Password, s.Port)) return true;
+  reason += NotOpened();
+  return false;
+}
+
+/// Whether nothing is missing, as far as was tried.
+bool Connection::HasDriverOrHope() const {
+  return !Settings.DbType.isEmpty() && (DbTypeUpper.isEmpty() || HasDriver());
+}
+
+/// Settings or driver were not to be had: the file came later, or there was no descriptor left to read them with.
+void Connection::TryDriverAgain() {
+  Settings = ReadSettings();
+  if (Settings.DbType.isEmpty() || DbTypeUpper.isEmpty() || HasDriver()) return;
+  if (!Db || Settings.DbType.toUpper() != DbTypeUpper) {
+    SetKind(Settings.DbType);
+    return;
+  }
+  QSqlDriver* const driver = LoadDriverFile(DriverOf(DbTypeUpper));
+  if (driver == nullptr) return;
+  *Db = QSqlDatabase();
+  QSqlDatabase::removeDatabase(ConnName);
+  *Db = QSqlDatabase::addDatabase(driver, ConnName);
+}
+
+/// Tries an open connection that there is reason to doubt; closes it when it gives no answer.
+bool Connection::WasLost(QString& reason) {
+  if (!m_health.NeedsTrial()) return false;
+  QSqlQuery trial(*Db);
+  if (Run(trial, [&] { return trial.exec(TrialStatement(DbTypeUpper)); })) return false;
+  reason = Use.Reason();
+  trial.clear();
+  Db->close();
+  m_isSilent = false;
+  return true;
+}
+
+void Connection::SetKind(const QString& type) {
+  DbTypeUpper = type.toUpper();
+  const QString driver = DriverOf(DbTypeUpper);
+  if (driver.isEmpty() || ProcessEnd::HasCome()) return;
+  ConnName = FirstFreeName();
+  Db = std::make_shared<QSqlDatabase>(QSqlDatabase::addDatabase(driver, ConnName));
+  m_health = ConnectionHealth(IsRemote(DbTypeUpper));
+  m_file.Forget();
+  m_isSilent = false;
+  ProcessEnd::AfterConnection(Db);
+}
+
+bool Connection::Open(const QString& server, const QString& database, QString& error, const QString& user,
+                      const QString& password, qint32 port) {
+  return Guarded(error, [&] {
+    OpenName = database;
+    if (!Db || ProcessEnd::HasCome()) return false;
+    return OpenByKind(server, database, error, user, password, port);
+  });
+}
+
+bool Connection::OpenByKind(const QString& server, const QString& database, QString& error, const QString& user,
+                            const QString& password, qint32 port) {
+  if (DbTypeUpper == Kind::kSqlite) {
+    Db->setDatabaseName(FilePath(database.trimmed()));
+  } else if (DbTypeUpper == Kind::kMySql) {
+    NameMySql(server, database, user, password);
+  } else if (DbTypeUpper == Kind::kSqlServer) {
+    NameSqlServer(server, database, user, password, port);
+  } else if (DbTypeUpper == Kind::kOracle) {
+    NameOracle(server, database, user, password, port);
+  } else if (DbTypeUpper != Kind::kAccess || !NameAccess(server, database, error, user, password)) {
+    return false;
+  }
+  return OpenNamed(error);
+}
+
+void Connection::NameMySql(const QString& server, const QString& database, const QString& user,
+                           const QString& password) {
+  Db->setHostName(server.isEmpty() ? QStringLiteral("localhost") : server);
+  Db->setDatabaseName(database);
+  Db->setUserName(user.isEmpty() ? QStringLiteral("root") : user);
+  Db->setPassword(password);
+  // Wanted before the open, though a closed connection makes nothing of it (Qt's driver itself asks for utf8mb4, with
+  // all of Unicode's characters); and the port is not applied here.
+  QSqlQuery(*Db).exec(QStringLiteral("SET NAMES 'utf8'"));
+}
+
+void Connection::NameSqlServer(const QString& server, const QString& database, const QString& user,
+                               const QString& password, qint32 port) {
+  Db->setDatabaseName(QStringLiteral("DRIVER={SQL SERVER};SERVER=%1;DATABASE=%2").arg(server, database));
+  Db->setUserName(user);
+  Db->setPassword(password);
+  Db->setPort(port == 0 ? 1433 : port);
+}
+
+void Connection::NameOracle(const QString& server, const QString& database, const QString& user,
+                            const QString& password, qint32 port) {
+  Db->setHostName(server);
+  Db->setDatabaseName(database);
+  Db->setUserName(user);
+  Db->setPassword(password);
+  Db->setPort(port == 0 ? 1521 : port);
+}
+
+bool Connection::NameAccess(const QString& server, const QString& database, QString& error, const QString& user,
+                            const QString& password) {
+  QString name = database;
+  if (!server.isEmpty() && !ReadConnectionFile(server, name, error)) return false;
+  Db->setDatabaseName(QStringLiteral("DRIVER={Microsoft Access Driver (*.mdb,*.accdb)};DBQ=%1;UID=%2;PWD=%3")
+                          .arg(FilePath(name), user.isEmpty() ? QStringLiteral("sa") : user, password));
+  return true;
+}
+
+bool Connection::OpenNamed(QString& error) {
+  Db->setConnectOptions(DriverOptions());
+  if (!Db->open()) {
+    error += Db->lastError().text();
+    return false;
+  }
+  ProcessEnd::AfterOpening();
+  m_isSilent = false;
+  if (DbTypeUpper == Kind::kSqlite) {
+    m_file.Opened(Db->databaseName());
+  } else if (Db->driverName() == QLatin1String("QODBC") && Settings.ReadTimeout > 0) {
+    SetOdbcQueryTimeout(*Db, Settings.ReadTimeout);
+  }
+  return m_health.Note(true);
+}
+
+/// The timeouts stand first: of an option that occurs twice the last one counts, so that the host's own holds.
+QString Connection::DriverOptions() const {
+  const QString timeouts = TimeoutOptions(DbTypeUpper, Settings.ConnectTimeout, Settings.ReadTimeout);
+  return timeouts.isEmpty() || m_options.isEmpty() ? timeouts + m_options : timeouts + QLatin1Char(';') + m_options;
+}
+
+// --- Statements -----------------------------------------------------------------------------------------------------
+
+bool Connection::Note(const QSqlQuery& query, bool succeeded) {
+  if (!succeeded) {
+    m_file.NoteFailure();
+    const auto took = ConnectionHealth::Now() - m_started;
+    const std::chrono::seconds timeout(Settings.ReadTimeout);
+    const bool isSilent = Use.NoteFailedStatement(took, timeout, query.lastError().text() + NotOpened());
+    m_isSilent = m_isSilent || (isSilent && IsRemote(DbTypeUpper));
+  }
+  return m_health.Note(succeeded);
+}
+
+}  // namespace Corvane

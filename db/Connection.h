@@ -1,0 +1,109 @@
+#ifndef QNCORVANE_DB_CONNECTION_H
+#define QNCORVANE_DB_CONNECTION_H
+
+#include <QSqlDatabase>
+#include <QString>
+#include <QtGlobal>
+#include <memory>
+
+#include "db/ConnectionHealth.h"
+#include "db/OpenedFile.h"
+#include "db/Settings.h"
+#include "db/UseInCall.h"
+
+class QSqlQuery;
+
+namespace Corvane {
+
+/// What all copies of a `QnPosDBPro` share: the settings, the connection once there is one, and what is known of it.
+///
+/// No operation touches Qt's databases or settings after the end of the process has come; all of them fail then.
+class Connection {
+ public:
+  /// Reads the settings. Opens nothing.
+  Connection();
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+
+  /// As `QnPosDBPro::EnsureOpen`.
+  bool EnsureOpen(QString& error);
+
+  /// As `QnPosDBPro::Open`.
+  bool Open(const QString& server, const QString& database, QString& error, const QString& user,
+            const QString& password, qint32 port);
+
+  /// Chooses the kind. Without a driver for it the connection stays what it was.
+  void SetKind(const QString& type);
+
+  /// Driver options beside those of the timeouts, for the next open.
+  void SetOptions(const QString& options) { m_options = options; }
+
+  /// Whether there is a connection with a driver, open or not.
+  bool HasDriver() const;
+
+  /// Whether statements may run: the connection is open, and the call that is running has not given it up.
+  bool IsUsable() const;
+
+  /// Runs a statement on `query`, so that a connection that fails is doubted. @return what `statement` answered.
+  template <class Statement>
+  bool Run(const QSqlQuery& query, Statement statement) {
+    m_started = ConnectionHealth::Now();
+    return Note(query, statement());
+  }
+
+  /// Takes in how the last statement went, or how its rows ended. @return `succeeded`.
+  bool Note(const QSqlQuery& query, bool succeeded);
+
+  DatabaseSettings Settings;
+  std::shared_ptr<QSqlDatabase> Db;  ///< The connection; null until a kind is set.
+  QString ConnName;                  ///< The connection's name in Qt's list.
+  QString DbTypeUpper;               ///< The kind, in capitals.
+  QString OpenName;                  ///< The database name of the last open.
+  qint32 OpenFailed = 0;             ///< 1 after an open failed, 0 when known to be open.
+  UseInCall Use;
+
+ private:
+  bool IsOpen() const;
+  bool HasDriverOrHope() const;
+  void TryDriverAgain();
+  bool MakeOpen(QString& reason);
+  bool WasLost(QString& reason);
+  bool OpenByKind(const QString& server, const QString& database, QString& error, const QString& user,
+                  const QString& password, qint32 port);
+  void NameMySql(const QString& server, const QString& database, const QString& user, const QString& password);
+  void NameSqlServer(const QString& server, const QString& database, const QString& user, const QString& password,
+                     qint32 port);
+  void NameOracle(const QString& server, const QString& database, const QString& user, const QString& password,
+                  qint32 port);
+  bool NameAccess(const QString& server, const QString& database, QString& error, const QString& user,
+                  const QString& password);
+  bool OpenNamed(QString& error);
+  QString DriverOptions() const;
+
+  ConnectionHealth m_health{false};
+  ConnectionHealth::Clock::time_point m_started;
+  OpenedFile m_file;
+  QString m_options;
+  bool m_isSilent = false;  ///< a statement was not answered in time: what the server says next belongs to that
+};
+
+/// Marks one of the engine's calls as running, for the life of this object: the database is given up for its rest when
+/// it can't be opened or keeps silent, and a file that was replaced is opened anew at its first use. A call within a
+/// call is part of it.
+class DatabaseCall {
+ public:
+  explicit DatabaseCall(Connection& connection) : m_connection(connection), m_isOuter(connection.Use.Begin()) {}
+  DatabaseCall(const DatabaseCall&) = delete;
+  DatabaseCall& operator=(const DatabaseCall&) = delete;
+  ~DatabaseCall() {
+    if (m_isOuter) m_connection.Use.End();
+  }
+
+ private:
+  Connection& m_connection;
+  bool m_isOuter;
+};
+
+}  // namespace Corvane
+
+#endif

@@ -1,0 +1,58 @@
+#include "db/ProcessEnd.h"
+
+#include <QString>
+#include <atomic>
+#include <vector>
+
+namespace Corvane {
+namespace {
+
+/// Needs neither constructor nor destructor, so that it can be asked at any time.
+std::atomic<bool> g_hasCome{false};
+
+/// The connections in Qt's list. Never destroyed.
+std::vector<std::shared_ptr<QSqlDatabase>>& Connections() {
+  static auto& connections = *new std::vector<std::shared_ptr<QSqlDatabase>>;
+  return connections;
+}
+
+/// Whoever still holds the connection holds none then.
+void Close(QSqlDatabase& connection) {
+  const QString name = connection.connectionName();
+  connection.close();
+  connection = QSqlDatabase();  // Qt complains of a connection that somebody holds when it is taken out
+  QSqlDatabase::removeDatabase(name);
+}
+
+void Come() noexcept {
+  if (g_hasCome.exchange(true)) return;
+  for (const std::shared_ptr<QSqlDatabase>& connection : Connections()) {
+    try {
+      Close(*connection);
+    } catch (...) {  // a driver's; there is nobody left to be told
+    }
+  }
+  Connections().clear();
+}
+
+struct Guard {
+  Guard() = default;
+  Guard(const Guard&) = delete;
+  Guard& operator=(const Guard&) = delete;
+  ~Guard() { Come(); }
+};
+
+}  // namespace
+
+bool ProcessEnd::HasCome() { return g_hasCome.load(std::memory_order_relaxed); }
+
+void ProcessEnd::AfterSettings() { static const Guard guard; }
+
+void ProcessEnd::AfterConnection(const std::shared_ptr<QSqlDatabase>& connection) {
+  Connections().push_back(connection);
+  static const Guard guard;
+}
+
+void ProcessEnd::AfterOpening() { static const Guard guard; }
+
+}  // namespace Corvane
