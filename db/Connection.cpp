@@ -171,8 +171,7 @@ void Connection::NameMySql(const QString& server, const QString& database, const
   Db->setDatabaseName(database);
   Db->setUserName(user.isEmpty() ? QStringLiteral("root") : user);
   Db->setPassword(password);
-  // Wanted before the open, though a closed connection makes nothing of it (Qt's driver itself asks for utf8mb4, with
-  // all of Unicode's characters); and the port is not applied here.
+  // Wanted before the open, though a closed connection makes nothing of it; and the port is not applied here.
   QSqlQuery(*Db).exec(QStringLiteral("SET NAMES 'utf8'"));
 }
 
@@ -215,7 +214,18 @@ bool Connection::OpenNamed(QString& error) {
   } else if (Db->driverName() == QLatin1String("QODBC") && Settings.ReadTimeout > 0) {
     SetOdbcQueryTimeout(*Db, Settings.ReadTimeout);
   }
-  return m_health.Note(true);
+  m_health.Note(true);
+  return DbTypeUpper != Kind::kMySql || TakeAllCharacters(error);
+}
+
+/// Qt's driver asks for MySQL's "utf8", which has no characters of four bytes. A server that knows no other stays at
+/// it.
+bool Connection::TakeAllCharacters(QString& error) {
+  QSqlQuery names(*Db);
+  Run(names, [&] { return names.exec(QStringLiteral("SET NAMES 'utf8mb4'")); });
+  if (!Use.IsOver()) return true;
+  error += names.lastError().text();
+  return false;
 }
 
 /// The timeouts stand first: of an option that occurs twice the last one counts, so that the host's own holds.

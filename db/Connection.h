@@ -78,6 +78,7 @@ class Connection {
   bool NameAccess(const QString& server, const QString& database, QString& error, const QString& user,
                   const QString& password);
   bool OpenNamed(QString& error);
+  bool TakeAllCharacters(QString& error);
   QString DriverOptions() const;
 
   ConnectionHealth m_health{false};

@@ -1,6 +1,7 @@
 #include "db/OdbcTimeout.h"
 
 #include <dlfcn.h>
+#include <QMetaType>
 #include <QSqlDatabase>
 #include <QSqlDriver>
 #include <QVariant>
@@ -24,8 +25,10 @@ SetConnectAttribute FindSetConnectAttribute() {
 }  // namespace
 
 void SetOdbcQueryTimeout(const QSqlDatabase& connection, int seconds) {
+  // Qt's driver hands its handle over under a name that it leaves to others to make known.
+  qRegisterMetaType<void*>("SQLHANDLE");
   const QVariant handle = connection.driver()->handle();
-  if (!handle.isValid() || qstrcmp(handle.typeName(), "SQLHANDLE") != 0) return;
+  if (!handle.isValid()) return;
   const SetConnectAttribute set = FindSetConnectAttribute();
   if (set == nullptr) return;
   void* const odbc = *static_cast<void* const*>(handle.constData());

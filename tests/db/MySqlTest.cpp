@@ -67,6 +67,32 @@ TEST_F(MySql, NullsNumbersAsTextAndTextAsNumbers) {
   EXPECT_TRUE(m_query.value(5).toBool());
 }
 
+TEST_F(MySql, FourByteCharactersPassBothWays) {
+  ASSERT_TRUE(Run("create table t(Name varchar(100)) character set utf8mb4")) << Utf8(m_error);
+  ASSERT_TRUE(Run("insert into t values('😀𠮷')")) << Utf8(m_error);
+  EXPECT_EQ(Answer("select Name from t where Name='😀𠮷'"), "😀𠮷");
+  EXPECT_EQ(Answer("select char_length(Name) from t"), "2");
+  EXPECT_EQ(Answer("select @@character_set_client"), "utf8mb4");
+}
+
+struct FlagRow {
+  bool Flag = false;
+};
+
+TEST_F(MySql, ABitIsATruthValue) {
+  ASSERT_TRUE(Run("create table t(Number int, Flag bit(1), Word char(5))") &&
+              Run("insert into t values(1,b'0','N'),(2,b'1','Y'),(3,null,'FALSE')"))
+      << Utf8(m_error);
+  for (const char* column : {"Flag", "Word"}) {
+    const Corvane::RowField<FlagRow> fields[] = {{column, Corvane::FromColumn<FlagRow>::Boolean<&FlagRow::Flag>}};
+    std::vector<bool> read;
+    ASSERT_TRUE(Ask("select * from t order by Number"));
+    EXPECT_TRUE(Corvane::ReadRows<FlagRow>(*m_db, m_query, fields, m_error,
+                                           [&](const FlagRow& row) { read.push_back(row.Flag); }));
+    EXPECT_EQ(read, (std::vector<bool>{false, true, false})) << column;
+  }
+}
+
 struct TextRow {
   const char* Text = nullptr;
 };

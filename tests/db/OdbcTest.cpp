@@ -3,8 +3,11 @@
 // answer.
 #include <QDateTime>
 #include <QVariant>
+#include <chrono>
 #include <clocale>
 
+#include "db/Connection.h"
+#include "db/RowFields.h"
 #include "tests/db/ServerStore.h"
 
 using Corvane::QnPosDBPro;
@@ -71,6 +74,56 @@ TEST_F(OdbcSqlServer, FailuresTellTheDriversReason) {
             "函数:openRecordset||执行:select a from missing||"
             "[SQLite]no such table: missing (1) QODBC3: Unable to execute statement");
   EXPECT_TRUE(m_db->EnsureOpen(m_error)) << Utf8(m_error);
+}
+
+TEST_F(OdbcSqlServer, TimeoutsReachTheDriver) {
+  QTemporaryDir folder;
+  const QString notes = folder.filePath(QStringLiteral("notes"));
+  qputenv("QNCORVANE_ODBC_NOTES", notes.toUtf8());
+  Configure("DbType=SqlServer\nServiceName=store-server\nDBName=shop.db\nConnectTimeout=2\nReadTimeout=1\n");
+  Open();
+  qunsetenv("QNCORVANE_ODBC_NOTES");
+  QFile file(notes);
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  const QByteArray noted = file.readAll();
+  EXPECT_TRUE(noted.contains("103=2\n")) << noted.constData();  // login
+  EXPECT_TRUE(noted.contains("113=1\n")) << noted.constData();  // connection
+  EXPECT_TRUE(noted.contains("0=1\n")) << noted.constData();    // statement
+}
+
+TEST_F(OdbcSqlServer, ASilentStatementEndsInTimeAndTheUseWithIt) {
+  Configure("DbType=SqlServer\nServiceName=store-server\nDBName=shop.db\nReadTimeout=1\n");
+  Open();
+  const Corvane::DatabaseCall call(m_db->Shared());
+  const auto start = std::chrono::steady_clock::now();
+  for (int i = 0; i < 10; ++i) EXPECT_FALSE(Ask("select 'stand-in silence' from missing"));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+  EXPECT_FALSE(m_db->EnsureOpen(m_error));
+}
+
+struct TextRow {
+  const char* Text = nullptr;
+};
+
+TEST_F(OdbcSqlServer, BlanksThatPadATextAreDropped) {
+  ASSERT_TRUE(Run("create table t(Word char(8))") && Run("insert into t values(' PLU     ')")) << Utf8(m_error);
+  const Corvane::RowField<TextRow> fields[] = {{"Word", Corvane::FromColumn<TextRow>::KeptText<&TextRow::Text>}};
+  TextRow read;
+  ASSERT_TRUE(Ask("select Word from t"));
+  EXPECT_TRUE(Corvane::ReadRows<TextRow>(*m_db, m_query, fields, m_error, [&](const TextRow& row) { read = row; }));
+  EXPECT_STREQ(read.Text, " PLU");
+}
+
+TEST_F(OdbcSqlServer, RowsThatBreakOffAreAFailure) {
+  ASSERT_TRUE(Run("create table t(a integer)") && Run("insert into t values(1)") &&
+              Run("insert into t values(-9223372036854775807 - 1)"));
+  const Corvane::RowField<TextRow> fields[] = {{"b", Corvane::FromColumn<TextRow>::KeptText<&TextRow::Text>}};
+  int taken = 0;
+  const bool read = Ask("select abs(a) as b from t") &&
+                    Corvane::ReadRows<TextRow>(*m_db, m_query, fields, m_error, [&](const TextRow&) { ++taken; });
+  EXPECT_FALSE(read);
+  EXPECT_EQ(taken, 0);
+  EXPECT_NE(Utf8(m_error).find("integer overflow"), std::string::npos) << Utf8(m_error);
 }
 
 TEST_F(OdbcSqlServer, ProceduresReachTheServer) {

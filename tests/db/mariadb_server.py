@@ -1,6 +1,7 @@
 """A MariaDB server of the tests' own: its files in a folder, reachable from this machine alone."""
 
 import concurrent.futures
+import contextlib
 import ctypes
 import os
 import pathlib
@@ -68,6 +69,23 @@ class MariaDbServer:
         """Runs SQL statements, as one script."""
         subprocess.run([*self._client(), "--default-character-set=utf8mb4", database], input=statements.encode(),
                        check=True)
+
+    @contextlib.contextmanager
+    def session(self, database):
+        """A connection that stays: gives a function that runs one statement on it and returns when it is done."""
+        client = subprocess.Popen([*self._client(), "--unbuffered", "--skip-column-names", database], stdin=subprocess.PIPE,
+                                  stdout=subprocess.PIPE, text=True)
+
+        def run(statement):
+            print(f"{statement};\nselect 'done';", file=client.stdin, flush=True)
+            while client.stdout.readline().strip() != "done":
+                if client.poll() is not None:
+                    raise RuntimeError("the session ended")
+
+        try:
+            yield run
+        finally:
+            client.communicate()
 
     def _client(self):
         return ["mariadb", "--no-defaults", "--user=root", f"--socket={self.socket}"]

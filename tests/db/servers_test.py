@@ -5,13 +5,18 @@ servers_test.py LIBRARY WORK
 WORK is an empty folder for everything that the tests make.
 """
 
+import contextlib
 import pathlib
+import re
+import socket
+import sqlite3
 import sys
+import time
 import unittest
 
 from mariadb_server import MariaDbServer
 from statement_gate import StatementGate
-from store import Till, sample_rows, sample_walks, schema, sqlite_database
+from store import Till, sample_rows, sample_rules, sample_walks, schema, sqlite_database
 
 LIBRARY, WORK = (pathlib.Path(sys.argv.pop(1)).resolve() for _ in range(2))
 WALKS = sample_walks()
@@ -168,8 +173,95 @@ class OnMySql(BesideSqlite):
         self.assertEqual(self.basket(self.mysql), self.basket(self.sqlite))
 
 
+    def test_a_server_that_falls_silent_in_the_middle_of_a_sale(self):
+        self.open_store(self.mysql)
+        self.at_statement("BillNo='PTXS-02'", self.gate.swallow)
+        with self.within(2 * 3 + 1):
+            [[code, message, _]] = self.basket(self.mysql)
+        self.assertEqual((code, message), (0, "sucess"))
+        with self.within(2 * 3 + 1):
+            self.basket(self.mysql)
+        self.gate.speak()
+        self.assertEqual(self.basket(self.mysql), self.basket(self.sqlite))
+
+    def test_a_server_that_fell_silent_between_two_sales(self):
+        self.open_store(self.mysql)
+        self.gate.swallow()
+        time.sleep(0.2)
+        with self.within(2 * 3 + 1):
+            self.basket(self.mysql)
+        self.gate.speak()
+        self.assertEqual(self.basket(self.mysql), self.basket(self.sqlite))
+
+    def test_a_server_that_never_speaks(self):
+        with self.silent_socket() as port, self.within(2 * 3 + 1):
+            till = self.till("silent", "DbType=MySQL\nServiceName=127.0.0.1\nDBName=shop\n", {"MYSQL_TCP_PORT": str(port)})
+            self.assertEqual(till.call("begin"), [-1])
+        with self.silent_socket() as port:
+            till = self.till("silent2", "DbType=MySQL\nServiceName=127.0.0.1\nDBName=shop\nConnectTimeout=1\n",
+                             {"MYSQL_TCP_PORT": str(port)})
+            for kind, xml in sample_rules():
+                till.call("load", kind, xml)
+            with self.within(2 * 1 + 1):
+                [[code, message, result]] = self.basket(till)
+            self.assertEqual((code, message), (0, "sucess"))
+            self.assertNotIn("ProBillNo=", result)
+
+    def test_a_table_that_somebody_holds_locked(self):
+        self.open_store(self.mysql)
+        self.server.run("create table if not exists held (a int)", "shop")
+        with self.server.session("shop") as session:
+            session("lock tables tProPrjDirectProAct write, tProMzConPluSet write")
+            with self.within(2 * 3 + 1):
+                self.basket(self.mysql)
+        self.assertEqual(self.basket(self.mysql), self.basket(self.sqlite))
+
+    def test_codes_that_look_like_statements(self):
+        self.open_store(self.mysql)
+        for value in ["'; delete from tProPrjDirectProAct; -- ", "' or '1'='1", "\\' or 1=1 -- ", "\\", "''"]:
+            sale = re.sub('(PluCode|CAT|BRD)="[^"]*"', lambda found: f'{found[1]}="{value}"', WALKS["basket"][0][1])
+            [[code, message, result]] = self.mysql.walk("hostile", [("All", sale)])
+            self.assertEqual((code, message), (0, "sucess"))
+            self.assertEqual([self.sqlite.walk("hostile", [("All", sale)])[0][2]], [result])
+            self.assertEqual([entry for entry in self.mysql.take_log() if "失败" in entry], [])
+        self.assertEqual(self.basket(self.mysql), self.basket(self.sqlite))
+
+    @contextlib.contextmanager
+    def within(self, seconds):
+        start = time.monotonic()
+        yield
+        self.assertLess(time.monotonic() - start, seconds)
+
+    @contextlib.contextmanager
+    def silent_socket(self):
+        """The port of a listener that takes connections and never says a word."""
+        with socket.socket() as listener:
+            listener.bind(("127.0.0.1", 0))
+            listener.listen()
+            yield listener.getsockname()[1]
+
+
 class OverOdbc(BesideSqlite):
     """Kinds that go through the driver manager, to a driver that serves SQLite files."""
+
+    def test_rows_that_break_off_are_a_failed_statement(self):
+        till = self.till("odbc", f"DbType=SQLServer\nServiceName=store-server\nDBName={self.folder}/store.db\n")
+        self.open_store(till)
+        store = sqlite3.connect(self.folder / "store.db")
+        columns = [row[1] for row in store.execute("pragma table_info(tProPrjDirectProAct)")]
+        broken = ",".join("case when serial > 1 then abs(-9223372036854775807 - 1) else TradeMaxCount end as TradeMaxCount"
+                          if name == "TradeMaxCount" else name for name in columns)
+        store.executescript(
+            "alter table tProPrjDirectProAct rename to whole;"
+            f"create view tProPrjDirectProAct as select {broken} from (select *, row_number() over "
+            "(partition by BillNo, PluCode order by SerialNo) as serial from whole);"
+            "insert into whole (BillNo,SerialNo,PluCode,PluType,InRange,DscType) "
+            "select BillNo, SerialNo + 5000, PluCode, PluType, InRange, DscType from whole;")
+        store.close()
+        [[code, message, result]] = till.walk("basket", WALKS["basket"])
+        self.assertEqual((code, message), (0, "sucess"))
+        self.assertNotIn('ProBillNo="PTXS-01"', result)
+        self.assertIn(LOST_ROWS + "PTXS-01", till.take_log())
 
     def assert_same_over(self, settings):
         till = self.till("odbc", settings)

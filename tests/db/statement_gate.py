@@ -15,12 +15,22 @@ class StatementGate:
         self._server_path = str(server_path)
         self.on_statement = lambda statement: None
         self._acting = threading.Lock()
+        self._speaking = threading.Event()
+        self._speaking.set()
         self._listener = socket.socket(socket.AF_UNIX)
         self._listener.bind(str(path))
         self._listener.listen()
         threading.Thread(target=self._accept, daemon=True).start()
 
+    def swallow(self):
+        """From now on nothing comes through in either direction, and nobody is told."""
+        self._speaking.clear()
+
+    def speak(self):
+        self._speaking.set()
+
     def close(self):
+        self.speak()
         self._end(self._listener)
         self._listener.close()
 
@@ -47,6 +57,7 @@ class StatementGate:
     def _answers(self, server, client):
         with contextlib.suppress(OSError):
             while data := server.recv(65536):
+                self._speaking.wait()
                 client.sendall(data)
         with self._acting:
             self._end(client)
@@ -57,6 +68,7 @@ class StatementGate:
                 if packet[3] == 0 and packet[4] == COMMAND_QUERY:
                     with self._acting:
                         self.on_statement(packet[5:].decode())
+                self._speaking.wait()
                 server.sendall(packet)
         self._end(server)
 

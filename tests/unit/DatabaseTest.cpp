@@ -91,6 +91,41 @@ TEST(DatabaseSettings, APortThatIsNoNumberIsZero) {
   EXPECT_EQ(OpenFields().Settings.Port, 0);
 }
 
+TEST(DatabaseSettings, TimeoutsAreThreeSecondsUnlessTheySayOtherwise) {
+  const Store store;
+  Store::Configure("DbType=MYSQL\n");
+  EXPECT_EQ(OpenFields().Settings.ConnectTimeout, 3);
+  EXPECT_EQ(OpenFields().Settings.ReadTimeout, 3);
+  Store::Configure("DbType=MYSQL\nConnectTimeout=7\nReadTimeout=0\n");
+  EXPECT_EQ(OpenFields().Settings.ConnectTimeout, 7);
+  EXPECT_EQ(OpenFields().Settings.ReadTimeout, 0);
+  for (const char* nonsense : {"-1", "soon", "", "1.5", "99999999999", "2147484"}) {
+    Store::Configure(QByteArray("DbType=MYSQL\nReadTimeout=") + nonsense + "\n");
+    EXPECT_EQ(OpenFields().Settings.ReadTimeout, 3) << nonsense;
+  }
+}
+
+TEST(DatabaseSettings, TimeoutsReachTheDriver) {
+  const Store store;
+  const RecordingDriver sqlite(QStringLiteral("QSQLITE"));
+  const RecordingDriver mysql(QStringLiteral("QMYSQL"));
+  const RecordingDriver odbc(QStringLiteral("QODBC"));
+  // Each file has a size of its own: Qt takes a file of the same size and time for the same.
+  const auto options = [](const char* kind, const char* timeouts) {
+    Store::Configure(QByteArray("DBName=./d\nDbType=") + kind + timeouts);
+    OpenFields db;
+    QString error;
+    EXPECT_TRUE(db.EnsureOpen(error));
+    return Utf8(db.Db->connectOptions());
+  };
+  EXPECT_EQ(options("MYSQL", "\nConnectTimeout=7\nReadTimeout=2\n"),
+            "MYSQL_OPT_CONNECT_TIMEOUT=7;MYSQL_OPT_READ_TIMEOUT=2;MYSQL_OPT_WRITE_TIMEOUT=2");
+  EXPECT_EQ(options("MYSQL", "\nConnectTimeout=0\nReadTimeout=0\n\n"), "");
+  EXPECT_EQ(options("SQLSERVER", "\nConnectTimeout=7\nReadTimeout=0\n"), "SQL_ATTR_LOGIN_TIMEOUT=7");
+  EXPECT_EQ(options("SQLITE", "\nReadTimeout=1\n"), "QSQLITE_BUSY_TIMEOUT=1000");
+  EXPECT_EQ(options("SQLITE", "\nReadTimeout=0\n"), "QSQLITE_BUSY_TIMEOUT=2147483647");
+}
+
 TEST(DatabaseSettings, KeepCommasInPasswordAndPath) {
   const Store store;
   Store::Configure("DbType=SQLITE\nDBName=./a,b.sqlite\nPassword=x,y,z\n");
@@ -364,8 +399,9 @@ TEST(DatabaseMySql, EmptyServerAndUserAreTheLocalHostAndRoot) {
   QString error;
   EXPECT_TRUE(db.EnsureOpen(error));
   EXPECT_EQ(TakeEvents(),
-            Events{"open db[shop] user[root] password[] host[localhost] port[-1] "
-                   "options[MYSQL_OPT_CONNECT_TIMEOUT=3;MYSQL_OPT_READ_TIMEOUT=3;MYSQL_OPT_WRITE_TIMEOUT=3]"});
+            (Events{"open db[shop] user[root] password[] host[localhost] port[-1] "
+                    "options[MYSQL_OPT_CONNECT_TIMEOUT=3;MYSQL_OPT_READ_TIMEOUT=3;MYSQL_OPT_WRITE_TIMEOUT=3]",
+                    "exec SET NAMES 'utf8mb4'"}));
 }
 
 TEST(DatabaseMySql, ThePortIsNotApplied) {
@@ -376,8 +412,9 @@ TEST(DatabaseMySql, ThePortIsNotApplied) {
   QString error;
   EXPECT_TRUE(db.EnsureOpen(error));
   EXPECT_EQ(TakeEvents(),
-            Events{"open db[d] user[u] password[p] host[h] port[-1] "
-                   "options[MYSQL_OPT_CONNECT_TIMEOUT=3;MYSQL_OPT_READ_TIMEOUT=3;MYSQL_OPT_WRITE_TIMEOUT=3]"});
+            (Events{"open db[d] user[u] password[p] host[h] port[-1] "
+                    "options[MYSQL_OPT_CONNECT_TIMEOUT=3;MYSQL_OPT_READ_TIMEOUT=3;MYSQL_OPT_WRITE_TIMEOUT=3]",
+                    "exec SET NAMES 'utf8mb4'"}));
 }
 
 TEST(DatabaseMySql, SetNamesComesBeforeTheOpen) {
@@ -394,12 +431,14 @@ TEST(DatabaseMySql, SetNamesComesBeforeTheOpen) {
   EXPECT_EQ(TakeEvents(),
             (Events{"qt QSqlQuery::exec: database not open",
                     "open db[d] user[root] password[] host[localhost] port[-1] "
-                    "options[MYSQL_OPT_CONNECT_TIMEOUT=3;MYSQL_OPT_READ_TIMEOUT=3;MYSQL_OPT_WRITE_TIMEOUT=3]"}));
+                    "options[MYSQL_OPT_CONNECT_TIMEOUT=3;MYSQL_OPT_READ_TIMEOUT=3;MYSQL_OPT_WRITE_TIMEOUT=3]",
+                    "exec SET NAMES 'utf8mb4'"}));
   EXPECT_TRUE(db.Open({}, QStringLiteral("e"), error, {}, {}, 0));
   EXPECT_EQ(TakeEvents(),
             (Events{"exec SET NAMES 'utf8'",
                     "open db[e] user[root] password[] host[localhost] port[-1] "
-                    "options[MYSQL_OPT_CONNECT_TIMEOUT=3;MYSQL_OPT_READ_TIMEOUT=3;MYSQL_OPT_WRITE_TIMEOUT=3]"}));
+                    "options[MYSQL_OPT_CONNECT_TIMEOUT=3;MYSQL_OPT_READ_TIMEOUT=3;MYSQL_OPT_WRITE_TIMEOUT=3]",
+                    "exec SET NAMES 'utf8mb4'"}));
 }
 
 // ---- SQLSERVER

@@ -90,6 +90,7 @@ class Result : public QSqlResult {
   }
 
   bool Answer() {
+    Advance(TheRecorder().Takes);
     if (TheRecorder().Throws) throw std::runtime_error("driver");
     if (Failed(TheRecorder().StatementError)) return false;
     setSelect(!TheRecorder().Columns.isEmpty());
@@ -162,6 +163,8 @@ RecordingDriver::~RecordingDriver() {
   QSqlDatabase::registerSqlDriver(m_name, nullptr);
   ConnectionHealth::Now = &ConnectionHealth::Clock::now;
 }
+
+void Advance(std::chrono::milliseconds time) { g_now += time; }
 
 void RestForAServersRestart() { g_now += ConnectionHealth::TrustedFor + std::chrono::milliseconds(1); }
 

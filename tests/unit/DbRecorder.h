@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <QVariant>
 #include <QtGlobal>
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -14,15 +15,16 @@ namespace dbtest {
 
 /** What the recording driver was asked for, and what it is to answer: one script for all its connections. */
 struct Recorder {
-  std::vector<std::string> Events;  ///< Everything that came to the driver, in order.
-  QString OpenError;                ///< Not empty: opening fails with this text.
-  bool Transactions = false;        ///< Whether the driver claims to have transactions.
-  QString StatementError;           ///< Not empty: each statement fails with this text.
-  QString PrepareError;             ///< Not empty: each preparation fails with this text.
-  bool Throws = false;              ///< Whether each statement and each opening throws.
-  QMap<int, QVariant> OutValues;    ///< What the server puts into arguments, by position from 0.
-  QStringList Columns;              ///< Column names of every result.
-  QList<QVariantList> Rows;         ///< Rows of every result.
+  std::vector<std::string> Events;     ///< Everything that came to the driver, in order.
+  QString OpenError;                   ///< Not empty: opening fails with this text.
+  bool Transactions = false;           ///< Whether the driver claims to have transactions.
+  QString StatementError;              ///< Not empty: each statement fails with this text.
+  std::chrono::milliseconds Takes{0};  ///< How long each statement takes, by the clock that stands still.
+  QString PrepareError;                ///< Not empty: each preparation fails with this text.
+  bool Throws = false;                 ///< Whether each statement and each opening throws.
+  QMap<int, QVariant> OutValues;       ///< What the server puts into arguments, by position from 0.
+  QStringList Columns;                 ///< Column names of every result.
+  QList<QVariantList> Rows;            ///< Rows of every result.
 };
 
 /** The one script. */
@@ -45,6 +47,9 @@ class RecordingDriver {
  private:
   QString m_name;
 };
+
+/** Moves the clock on. */
+void Advance(std::chrono::milliseconds time);
 
 /** Moves the clock on by what no connection is trusted for. */
 void RestForAServersRestart();
