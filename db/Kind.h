@@ -7,11 +7,16 @@ namespace Corvane {
 
 /// The five kinds of database, in capitals.
 namespace Kind {
-constexpr QLatin1String kSqlite("SQLITE");
-constexpr QLatin1String kMySql("MYSQL");
-constexpr QLatin1String kSqlServer("SQLSERVER");
-constexpr QLatin1String kOracle("ORACLE");
-constexpr QLatin1String kAccess("ACCESS");
+template <int Size>
+constexpr QLatin1String Word(const char (&letters)[Size]) {
+  return QLatin1String(letters, Size - 1);
+}
+
+constexpr QLatin1String kSqlite = Word("SQLITE");
+constexpr QLatin1String kMySql = Word("MYSQL");
+constexpr QLatin1String kSqlServer = Word("SQLSERVER");
+constexpr QLatin1String kOracle = Word("ORACLE");
+constexpr QLatin1String kAccess = Word("ACCESS");
 }  // namespace Kind
 
 /// The Qt driver of a kind; empty for a kind without one.
