@@ -1,6 +1,6 @@
 """Hosts that call while the process ends: every call answers, the process ends well, and the log has the story.
 
-late_test.py LIBRARY LATE_HOST_C LATE_HOST_CPP
+late_test.py LIBRARY LATE_HOST_C LATE_HOST_CPP SAMPLES
 """
 
 import pathlib
@@ -9,13 +9,25 @@ import sys
 import tempfile
 import unittest
 
-LIBRARY, C_HOST, CPP_HOST = (sys.argv.pop(1) for _ in range(3))
+from store import make_store
+
+LIBRARY, C_HOST, CPP_HOST, SAMPLES = (sys.argv.pop(1) for _ in range(4))
 
 
 class LateCalls(unittest.TestCase):
     def run_host(self, *command):
-        """Runs a host in an empty folder. Returns how often all late calls were answered."""
+        """Runs a host in an empty folder, and once more in the sample store with a rule that reads a table there.
+
+        Returns how often all late calls were answered, which is the same both times.
+        """
+        answered = self.run_in(lambda folder: None, command)
+        with_tables = self.run_in(lambda folder: make_store(pathlib.Path(SAMPLES), folder), (*command, "tables"))
+        self.assertEqual(with_tables, answered)
+        return answered
+
+    def run_in(self, prepare, command):
         with tempfile.TemporaryDirectory() as folder:
+            prepare(pathlib.Path(folder))
             done = subprocess.run(command, cwd=folder, capture_output=True, text=True, timeout=120, check=False)
             self.assertEqual(done.returncode, 0, done.stderr)
             log = (pathlib.Path(folder) / "QnCorvane.txt").read_text("utf-8")
