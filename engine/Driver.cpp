@@ -5,9 +5,10 @@
 
 #include "engine/Log.h"
 #include "engine/Promotion.h"
-#include "engine/RuleSteps.h"
 #include "engine/StatusText.h"
+#include "promo/RuleTable.h"
 #include "promo/mz/GiftChoice.h"
+#include "rule/RuleType.h"
 #include "sale/SaleWriter.h"
 
 namespace Corvane {
@@ -38,15 +39,21 @@ bool IsSkipped(const ProInfo& rule, const ProSale& sale) {
 
 constexpr Text kEveryClass = nullptr;
 
+/// Runs the rule's step, if its type is one of the pass's.
+void RunStep(AnyRule& rule, ProSale& sale, Pass pass) {
+  const RuleKind* const kind = FindKind(RuleKinds(), InfoOf(rule).ProType);
+  if (kind == nullptr || kind->RunsIn != pass) return;
+  RuleRun run(BaseOf(rule), sale);
+  kind->Calc(rule, run);
+}
+
 /// One pass over the registry, in its order: the rules that are not skipped, of one stacking class, whose type is in
 /// the set. The skip test comes first, so that a skipped rule is logged once a pass.
-void RunPass(ProSale& sale, Text primary, const TypeSteps& steps) {
+void RunPass(ProSale& sale, Text primary, Pass pass) {
   for (const RulePtr& rule : Promotion::Instance().Rules()) {
     const ProInfo& info = InfoOf(*rule);
     if (IsSkipped(info, sale)) continue;
-    if (primary != kEveryClass && !Same(info.Primary, primary)) continue;
-    Scratch scratch;
-    if (const RuleStep run = FindStep(steps, info.ProType)) run(*rule, sale, scratch);
+    if (primary == kEveryClass || Same(info.Primary, primary)) RunStep(*rule, sale, pass);
   }
 }
 
@@ -63,9 +70,11 @@ std::int32_t RunSingle(const Calculation& calculation) {
   SalePlu& line = sale.Plus.at(static_cast<std::size_t>(calculation.LineIndex));
   for (const RulePtr& rule : Promotion::Instance().Rules()) {
     const ProInfo& info = InfoOf(*rule);
-    if (IsSkipped(info, sale) || !Same(info.ProType, "PTXS")) continue;
-    Scratch scratch;
-    RunOnLine(*rule, sale, line, scratch);
+    if (IsSkipped(info, sale) || !Same(info.ProType, TypeWord::kLimit)) continue;
+    const auto* const limit = std::get_if<ProDirectLimit>(rule.get());
+    if (limit == nullptr) continue;
+    RuleRun run(*limit, sale);
+    limit->CalcRuleOnLine(run, line);
   }
   return WriteLine(sale.OrgCode, line, calculation.Out, calculation.Msg);
 }
@@ -75,33 +84,33 @@ std::int32_t RunSingle(const Calculation& calculation) {
 std::int32_t RunAll(const Calculation& calculation) {
   Log("计算模式为ALL时");
   calculation.Sale.ResetResults();
-  RunPass(calculation.Sale, StackingClass::kDz, CombinationSteps());
-  RunPass(calculation.Sale, StackingClass::kDz, OrdinarySteps());
-  RunPass(calculation.Sale, kEveryClass, OrdinarySteps());
-  RunPass(calculation.Sale, kEveryClass, CombinationSteps());
+  RunPass(calculation.Sale, StackingClass::kDz, Pass::Combination);
+  RunPass(calculation.Sale, StackingClass::kDz, Pass::Ordinary);
+  RunPass(calculation.Sale, kEveryClass, Pass::Ordinary);
+  RunPass(calculation.Sale, kEveryClass, Pass::Combination);
   return WriteResult(calculation);
 }
 
 std::int32_t RunUnion(const Calculation& calculation) {
   Log("计算模式为Union时");
   calculation.Sale.ResetResults();
-  RunPass(calculation.Sale, StackingClass::kDz, CombinationSteps());
-  RunPass(calculation.Sale, StackingClass::kDz, OrdinarySteps());
-  RunPass(calculation.Sale, kEveryClass, OrdinarySteps());
+  RunPass(calculation.Sale, StackingClass::kDz, Pass::Combination);
+  RunPass(calculation.Sale, StackingClass::kDz, Pass::Ordinary);
+  RunPass(calculation.Sale, kEveryClass, Pass::Ordinary);
   return WriteResult(calculation);
 }
 
 std::int32_t RunZh(const Calculation& calculation) {
   Log("计算模式为Zh时");
   calculation.Sale.ResetResults();
-  RunPass(calculation.Sale, kEveryClass, CombinationSteps());
+  RunPass(calculation.Sale, kEveryClass, Pass::Combination);
   return WriteResult(calculation);
 }
 
 // --- Modes behind the line promotions: each builds on what is there --------------------------------------------------
 
 std::int32_t RunMzPromotion(const Calculation& calculation) {
-  RunPass(calculation.Sale, kEveryClass, FullAmountSteps());
+  RunPass(calculation.Sale, kEveryClass, Pass::FullAmount);
   return WriteResult(calculation);
 }
 
@@ -128,16 +137,19 @@ std::int32_t RunGift(const Calculation& calculation) {
 /// Payments are known. There is no skip test here and in the use of coupons.
 std::int32_t RunPay(const Calculation& calculation) {
   Log("进入Pay节");
-  for (const RulePtr& rule : Promotion::Instance().Rules()) {
-    Scratch scratch;
-    if (const RuleStep run = FindStep(PaySteps(), InfoOf(*rule).ProType)) run(*rule, calculation.Sale, scratch);
-  }
+  for (const RulePtr& rule : Promotion::Instance().Rules()) RunStep(*rule, calculation.Sale, Pass::Pay);
   return WriteResult(calculation);
 }
 
 std::int32_t RunCoupon(const Calculation& calculation) {
   Log("满赠用券");
-  for (const RulePtr& rule : Promotion::Instance().Rules()) UseCoupons(*rule, calculation.Sale);
+  // There is no test of the type here: every rule of the class that takes coupons does, also one that gives them too.
+  for (const RulePtr& rule : Promotion::Instance().Rules()) {
+    auto* const coupons = std::get_if<ProMzUseCoupon>(rule.get());
+    if (coupons == nullptr) continue;
+    RuleRun run(*coupons, calculation.Sale);
+    coupons->CalcRule(run);
+  }
   return WriteResult(calculation);
 }
 

@@ -46,7 +46,7 @@ std::int32_t InitPromotion(Text type, Text xml, char* msg) {
   try {
     // No test of the state: the state protects calculations from loads only as far as the host keeps to the order.
     Promotion& promotion = Promotion::Instance();
-    RulePtr rule = MakeRule(type, promotion.Database());
+    RulePtr rule = MakeRule(RuleKinds(), type, promotion.Database());
     if (rule == nullptr) return RefuseRule(xml, msg);
     std::visit([&](auto& own) { own.InitRule(xml); }, *rule);
     promotion.LoadRule(std::move(rule));

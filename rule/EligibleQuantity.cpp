@@ -1,11 +1,12 @@
 #include "rule/EligibleQuantity.h"
 
 #include <algorithm>
-#include <iterator>
 
 #include "base/Numbers.h"
 #include "base/Walk.h"
 #include "engine/Log.h"
+#include "rule/ResultRows.h"
+#include "rule/RuleType.h"
 
 namespace Corvane {
 
@@ -21,10 +22,11 @@ bool CountsAsUsed(const ProResult& row, Text primary, Text proType) {
 }
 
 double UsedQuantity(const SalePlu& line, Text primary, Text proType) {
+  const bool takesWhole = TypeOf(proType).Has(Fact::TakesLinesWhole);
   double used = 0;
   for (const ProResult& row : LastToFirst(line.ProResults)) {
-    if (Same(proType, "PTOS") && Same(row.ProType, "PTOS")) {
-      // Two "PTOS" rules never share a line: the row takes all of it, whatever was summed so far. Rows met later add.
+    if (takesWhole && Same(row.ProType, proType)) {
+      // Two such rules never share a line: the row takes all of it, whatever was summed so far. Rows met later add.
       used = line.PluCount;
     } else if (CountsAsUsed(row, primary, proType)) {
       used += row.DisNum;
@@ -33,13 +35,9 @@ double UsedQuantity(const SalePlu& line, Text primary, Text proType) {
   return used;
 }
 
-/// Whether the limit by quantity is enforced here and not by the type itself. "ZH" is no type, but a set menu asks
-/// under its family word.
+/// Whether the limit by quantity is enforced here and not by the type itself.
 bool IsLimitedByQuantity(const ProInfo& rule, Text proType) {
-  constexpr Text kExempt[] = {"PTOS", "ZHGD", "ZHZX", "ZH", "ZHZY", "MZDP", "MZZP", "MZHG"};
-  const bool exempt =
-      std::any_of(std::begin(kExempt), std::end(kExempt), [&](Text type) { return Same(type, proType); });
-  return Same(rule.MaxYhType, LimitKind::kQuantity) && !exempt;
+  return Same(rule.MaxYhType, LimitKind::kQuantity) && !TypeOf(proType).Has(Fact::LimitsItself);
 }
 
 double CountHeldByRule(Text billNo, const std::vector<SalePlu>& lines) {
@@ -95,13 +93,7 @@ double GetLineLeftTotal(const SalePlu& line, Text primary, Text proType) {
 }
 
 double GetRuleLeftCount(Text billNo, double limit, const std::vector<SalePlu>& lines) {
-  double held = 0;
-  for (const SalePlu& line : lines) {
-    for (const ProResult& row : line.ProResults) {
-      if (Same(row.ProBillNo, billNo)) held += row.DisNum;
-    }
-  }
-  return RoundMoney(limit - held);
+  return RoundMoney(limit - HeldQuantity(lines, billNo));
 }
 
 }  // namespace Corvane

@@ -3,9 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "base/Walk.h"
-#include "rule/EligibleQuantity.h"
-
 namespace Corvane {
 
 namespace {
@@ -13,8 +10,8 @@ namespace {
 bool IsAbout(double value, double wanted) { return std::fabs(value - wanted) <= 0.00001; }
 
 /// Whether an "IN" row takes the line. A line that already has a result of the rule is taken by none.
-bool IsTaken(const ProInfo& rule, const SplitRows& rows, const SalePlu& line) {
-  if (FindResult(line, rule.BillNo) != nullptr) return false;
+bool IsTaken(const RuleRun& run, const SplitRows& rows, const SalePlu& line) {
+  if (run.HasActedOn(line)) return false;
   const auto namesLine = [&](const ProDetailKey* row) { return RowNamesLine(*row, line); };
   return std::any_of(rows.PluIn.begin(), rows.PluIn.end(), namesLine) ||
          std::any_of(rows.ClassIn.begin(), rows.ClassIn.end(), namesLine);
@@ -52,51 +49,35 @@ LinePtrs SelectSingleLines(std::vector<SalePlu>& lines) {
   return single;
 }
 
-LinePtrs SelectOutsideLines(const RowPtrs& rows, const LinePtrs& lines, Text word) {
-  const bool byGoods = Same(word, "PLU");
+LinePtrs SelectOutsideLines(const RowPtrs& rows, const LinePtrs& lines, RowsBy by) {
   LinePtrs outside;
   for (SalePlu* line : lines) {
     const bool named = std::any_of(rows.rbegin(), rows.rend(), [&](const ProDetailKey* row) {
-      return byGoods ? Same(row->PluCode, line->PluCode) : LineHasClass(*line, row->PluType, row->PluCode);
+      return by == RowsBy::Goods ? Same(row->PluCode, line->PluCode) : LineHasClass(*line, row->PluType, row->PluCode);
     });
     if (!named) outside.push_back(line);
   }
   return outside;
 }
 
-RuleLines SelectRuleLines(const ProInfo& rule, const SplitRows& rows, std::vector<SalePlu>& lines) {
-  return SelectRuleLinePtrs(rule, rows, PointersTo(lines), lines);
+RuleLines SelectRuleLines(const RuleRun& run, const SplitRows& rows) {
+  return SelectRuleLinePtrs(run, rows, PointersTo(run.Lines()));
 }
 
-RuleLines SelectRuleLinePtrs(const ProInfo& rule, const SplitRows& rows, const LinePtrs& lines,
-                             const std::vector<SalePlu>& allLines) {
-  const LinePtrs withoutGoods = SelectOutsideLines(rows.PluNot, lines, "PLU");
-  const LinePtrs withoutClasses = SelectOutsideLines(rows.ClassNot, withoutGoods, "");
+RuleLines SelectRuleLinePtrs(const RuleRun& run, const SplitRows& rows, const LinePtrs& lines) {
+  const LinePtrs withoutGoods = SelectOutsideLines(rows.PluNot, lines, RowsBy::Goods);
+  const LinePtrs withoutClasses = SelectOutsideLines(rows.ClassNot, withoutGoods, RowsBy::Class);
   RuleLines taken;
   for (SalePlu* line : withoutClasses) {
-    if (!IsTaken(rule, rows, *line)) continue;
-    const double quantity = GetCalcCount(*line, rule, allLines);
+    if (!IsTaken(run, rows, *line)) continue;
+    const double quantity = run.OpenCount(*line);
     taken.Quantity += quantity;
-    const bool byQuantity = Same(rule.ProType, "MZMJ") && quantity != 0;
-    taken.Money += byQuantity ? quantity * line->FinalPrice : GetLineLeftTotal(*line, rule.Primary, rule.ProType);
+    const bool byQuantity = run.Type().Has(Fact::CountsAtFinalPrice) && quantity != 0;
+    taken.Money += byQuantity ? quantity * line->FinalPrice : run.OpenMoney(*line);
     // The running sum decides, not this line's share: a line with nothing left is listed behind one that had money.
     if (taken.Money > 0) taken.Lines.push_back(line);
   }
   return taken;
-}
-
-const ProResult* FindResult(const SalePlu& line, Text billNo) {
-  const auto found = std::find_if(line.ProResults.begin(), line.ProResults.end(),
-                                  [&](const ProResult& row) { return Same(row.ProBillNo, billNo); });
-  return found == line.ProResults.end() ? nullptr : &*found;
-}
-
-ProResult* FindResult(SalePlu& line, Text billNo) { return FindRow(line.ProResults, billNo); }
-
-ProResult* FindRow(std::vector<ProResult>& rows, Text billNo) {
-  const auto found =
-      std::find_if(rows.begin(), rows.end(), [&](const ProResult& row) { return Same(row.ProBillNo, billNo); });
-  return found == rows.end() ? nullptr : &*found;
 }
 
 }  // namespace Corvane

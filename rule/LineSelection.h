@@ -4,13 +4,11 @@
 #include <vector>
 
 #include "base/Text.h"
-#include "rule/ProInfo.h"
+#include "rule/LinePtrs.h"
+#include "rule/RuleRun.h"
 #include "sale/SaleRecords.h"
 
 namespace Corvane {
-
-/// Pointers to lines of a sale, valid while nothing is added to the sale's list of lines.
-using LinePtrs = std::vector<SalePlu*>;
 
 /// Pointers to the heads of detail rows.
 using RowPtrs = std::vector<const ProDetailKey*>;
@@ -47,9 +45,11 @@ struct SplitRows {
 /// The lines that are one package or no package at all: `PackCnt` within 0.00001 of 1 or of 0.
 LinePtrs SelectSingleLines(std::vector<SalePlu>& lines);
 
-/// The lines that no row names. For the word "PLU" a row names a line by its goods code; for any other word by a class
-/// pair of the line. Without rows all lines pass.
-LinePtrs SelectOutsideLines(const RowPtrs& rows, const LinePtrs& lines, Text word);
+/// How rows name lines: by their goods codes, or by class pairs of the lines.
+enum class RowsBy { Goods, Class };
+
+/// The lines that no row names. Without rows all lines pass.
+LinePtrs SelectOutsideLines(const RowPtrs& rows, const LinePtrs& lines, RowsBy by);
 
 /// The lines that a rule of full-amount kind covers, and what they bring.
 struct RuleLines {
@@ -61,18 +61,10 @@ struct RuleLines {
 /// Finds the lines that a rule's rows take: not named by a "NOT" row, named by an "IN" row, and without a result of
 /// this rule. A line counts into both sums as soon as it is taken; it is listed once the money, summed from the first
 /// taken line on, is above 0.
-RuleLines SelectRuleLines(const ProInfo& rule, const SplitRows& rows, std::vector<SalePlu>& lines);
+RuleLines SelectRuleLines(const RuleRun& run, const SplitRows& rows);
 
-/// The same over some of a sale's lines. @param allLines the sale's lines, for the rule's limit by quantity.
-RuleLines SelectRuleLinePtrs(const ProInfo& rule, const SplitRows& rows, const LinePtrs& lines,
-                             const std::vector<SalePlu>& allLines);
-
-/// The line's first result row of the rule, or null.
-const ProResult* FindResult(const SalePlu& line, Text billNo);
-ProResult* FindResult(SalePlu& line, Text billNo);
-
-/// The first row of the rule in a list, or null.
-ProResult* FindRow(std::vector<ProResult>& rows, Text billNo);
+/// The same over some of the sale's lines.
+RuleLines SelectRuleLinePtrs(const RuleRun& run, const SplitRows& rows, const LinePtrs& lines);
 
 }  // namespace Corvane
 

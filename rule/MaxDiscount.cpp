@@ -6,20 +6,16 @@
 
 #include "base/Numbers.h"
 #include "engine/Log.h"
+#include "rule/ResultRows.h"
 
 namespace Corvane {
 
 namespace {
 
-/// The rule's result rows over the sale's lines, lines and rows first to last.
-std::vector<ProResult*> RowsOfRule(Text billNo, ProSale& sale) {
-  std::vector<ProResult*> rows;
-  for (SalePlu& line : sale.Plus) {
-    for (ProResult& row : line.ProResults) {
-      if (Same(row.ProBillNo, billNo)) rows.push_back(&row);
-    }
-  }
-  return rows;
+double SumOfMoney(const std::vector<ProResult*>& rows) {
+  double sum = 0;
+  for (const ProResult* row : rows) sum += row->DisMoney;
+  return sum;
 }
 
 void ShrinkTo(double ceiling, double total, const std::vector<ProResult*>& rows) {
@@ -45,12 +41,19 @@ void ShrinkTo(double ceiling, double total, const std::vector<ProResult*>& rows)
 void LimitByMaxDiscount(const ProInfo& rule, ProSale& sale, LimitLog log) {
   if (!Same(rule.MaxYhType, LimitKind::kMoney)) return;
   if (log == LimitLog::Announced) Log("促销单按照最大优惠额限制");
-  const std::vector<ProResult*> rows = RowsOfRule(rule.BillNo, sale);
-  double total = 0;
-  for (const ProResult* row : rows) total += row->DisMoney;
+  const std::vector<ProResult*> rows = ResultsOfRule(sale.Plus, rule.BillNo);
+  const double total = SumOfMoney(rows);
   Log(Join("ProNums= ", FormatI(static_cast<std::int32_t>(rows.size()))));
   if (!(std::fabs(total - rule.MaxYhValue) > 0.01) || !(total > rule.MaxYhValue)) return;
   ShrinkTo(rule.MaxYhValue, total, rows);
+}
+
+void LimitInProportion(const ProInfo& rule, ProSale& sale) {
+  if (!Same(rule.MaxYhType, LimitKind::kMoney)) return;
+  const std::vector<ProResult*> rows = ResultsOfRule(sale.Plus, rule.BillNo);
+  const double sum = SumOfMoney(rows);
+  if (!(sum - rule.MaxYhValue > 0.01)) return;
+  for (ProResult* row : rows) row->DisMoney = Quotient(row->DisMoney * rule.MaxYhValue, sum);
 }
 
 }  // namespace Corvane

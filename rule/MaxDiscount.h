@@ -15,6 +15,11 @@ enum class LimitLog { Announced, Unannounced };
 /// keep what the rule wrote: the ceiling shows in the discount records only.
 void LimitByMaxDiscount(const ProInfo& rule, ProSale& sale, LimitLog log = LimitLog::Announced);
 
+/// The limit in the form of the types that write no results on lines: it acts only on rows that an earlier pass over
+/// the sale left there. When they come to more than `MaxYhValue`, their `DisMoney` shrinks in proportion. Unlike
+/// LimitByMaxDiscount it logs nothing, rounds nothing and leaves no remainder to the last row.
+void LimitInProportion(const ProInfo& rule, ProSale& sale);
+
 }  // namespace Corvane
 
 #endif

@@ -4,6 +4,7 @@
 
 #include "base/Walk.h"
 #include "engine/Log.h"
+#include "rule/RuleType.h"
 #include "rule/SaleFilters.h"
 
 namespace Corvane {
@@ -25,7 +26,7 @@ bool ProBase::MeetsTime(const ProSale& sale) const {
     return MatchTime(row, sale.Plus.front().SaleDate, sale.Plus.front().SaleTime);
   });
   // For the use of coupons the time rows have no power to refuse.
-  if (!matched && !Same(Info.ProType, "MZYQ")) {
+  if (!matched && !TypeOf(Info.ProType).Has(Fact::IgnoresTime)) {
     if (!Times.empty()) Log("时间条件不满足");
     return false;
   }

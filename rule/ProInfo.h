@@ -12,13 +12,6 @@ constexpr Text kPt = "PT";
 constexpr Text kDj = "DJ";
 }  // namespace StackingClass
 
-/// The families of rule types: the first two letters of a type word.
-namespace Family {
-constexpr Text kOrdinary = "PT";
-constexpr Text kCombination = "ZH";
-constexpr Text kFullAmount = "MZ";
-}  // namespace Family
-
 /// The kinds of limit that `MaxYhType` names; with any other text a rule has no limit.
 namespace LimitKind {
 constexpr Text kMoney = "1";

@@ -1,107 +1,36 @@
 #include "rule/Spreading.h"
 
 #include <algorithm>
-#include <initializer_list>
+#include <cmath>
 
 #include "base/Numbers.h"
 #include "base/Walk.h"
 #include "engine/Log.h"
-#include "rule/EligibleQuantity.h"
-#include "rule/LineDiscount.h"
+#include "rule/ResultRows.h"
 
 namespace Corvane {
 
 namespace {
 
-bool IsOneOf(Text type, std::initializer_list<Text> types) {
-  return std::any_of(types.begin(), types.end(), [&](Text word) { return Same(word, type); });
+/// Puts a rounding tail on the first apportion row of the first line that has any, and on the first result row of the
+/// first line that has any, whoever wrote them.
+void PutTailOnFirstRows(RuleRun& run, const LinePtrs& lines, double tail, Rows written) {
+  const auto apportioned =
+      std::find_if(lines.begin(), lines.end(), [](const SalePlu* line) { return !line->Apportions.empty(); });
+  if (apportioned != lines.end()) (*apportioned)->Apportions.front().AppMoney() += tail;
+
+  const auto discounted =
+      std::find_if(lines.begin(), lines.end(), [](const SalePlu* line) { return !line->ProResults.empty(); });
+  if (discounted == lines.end()) return;
+  if (run.Type().Has(Fact::LowersChosenLines)) run.LowerTotal(**discounted, tail);
+  if (written != Rows::Apportions) (*discounted)->ProResults.front().DisMoney += tail;
 }
 
-Apportion* FindLastRow(std::vector<Apportion>& rows, Text billNo) {
-  const auto found =
-      std::find_if(rows.rbegin(), rows.rend(), [&](const Apportion& row) { return Same(row.ProBillNo, billNo); });
-  return found == rows.rend() ? nullptr : &*found;
-}
-
-double SumOfTotals(const std::vector<SalePlu>& lines) {
-  double total = 0;
-  for (const SalePlu& line : lines) total += line.Total;
-  return total;
-}
-
-double SumOfTotals(const LinePtrs& lines) {
-  double total = 0;
-  for (const SalePlu* line : lines) total += line->Total;
-  return total;
-}
-
-// --- By value at Price ----------------------------------------------------------------------------------------------
-
-double WeightOfLine(const ProInfo& rule, SalePlu& line, Text billNo) {
-  if (const Apportion* held = FindLastRow(line.Apportions, billNo)) {
-    Log("已有分摊记录");
-    return held->AppNum() * line.Price;
-  }
-  Log("不存在已有分摊记录，创建分摊记录");
-  line.Apportions.emplace_back(rule.BillNo, rule.Primary, rule.ProType, line.PluCount, 0, line.Price, 0);
-  line.DisNum = line.PluCount;
-  return line.PluCount * line.Price;
-}
-
-// --- Over chosen lines ----------------------------------------------------------------------------------------------
-
-/// One line's share of a sum, and what its row says about it.
-struct Share {
-  double Money = 0;
-  double Quantity = 0;
-  double NewPrice = 0;
-};
-
-/// The types whose lines fall by their shares while they are spread over chosen lines.
-bool LowersTotalOfChosenLines(Text proType) { return IsOneOf(proType, {"MZDP", "ZHGD", "MZMJ"}); }
-
-double PartOfLine(const ProInfo& rule, const SalePlu& line, bool byDisNum) {
-  if (byDisNum) return line.FinalPrice * line.DisNum;
-  if (IsOneOf(rule.ProType, {"MZZP", "MZHG"})) return line.Total;
-  return GetLineLeftTotal(line, rule.Primary, rule.ProType);
-}
-
-/// Works out a line's share and uses up its `DisNum` where the share is reckoned by it. A share of 0 changes nothing.
-Share ShareOfLine(const ProInfo& rule, SalePlu& line, double money, double base, bool byDisNum) {
-  const double part = PartOfLine(rule, line, byDisNum);
-  Share share;
-  share.Money = CutToCents(Quotient(part, base) * money);
-  if (share.Money == 0) return share;
-  if (byDisNum) {
-    share.Quantity = line.DisNum;
-    share.NewPrice = Quotient(part - share.Money, share.Quantity);
-    line.DisNum = 0;
-  } else {
-    share.NewPrice = Quotient(line.Total - share.Money, line.PluCount);
-    share.Quantity = line.PluCount;
-    if (Same(rule.ProType, "MZZM")) {
-      share.Quantity = line.DisNum;
-      line.DisNum = 0;
-    }
-  }
-  share.Quantity = CeilSingle(share.Quantity);
-  return share;
-}
-
-ProResult RowOf(const ProInfo& rule, const Share& share, double baseMoney, Text vipType) {
-  ProResult row(rule.BillNo, rule.Primary, rule.ProType, share.Quantity, share.Money, share.NewPrice, share.Money,
-                baseMoney);
-  row.SetMember(vipType);
-  return row;
-}
-
-// --- Over the whole sale --------------------------------------------------------------------------------------------
-
-/// The tail lands on the rule's own rows: on the first line that has a result of it.
-void PutTailOnOwnRows(const ProInfo& rule, std::vector<SalePlu>& lines, double tail) {
-  for (SalePlu& line : lines) {
-    ProResult* result = FindResult(line, rule.BillNo);
-    Apportion* apportion = FindRow(line.Apportions, rule.BillNo);
+/// Puts a rounding tail on the rule's own rows: on the first line that has a result of it.
+void PutTailOnOwnRows(const RuleRun& run, double tail) {
+  for (SalePlu& line : run.Lines()) {
+    ProResult* const result = FindResult(line, run.Info().BillNo);
+    Apportion* const apportion = FindRow(line.Apportions, run.Info().BillNo);
     if (result != nullptr) result->DisMoney += tail;
     if (apportion != nullptr) apportion->AppMoney() += tail;
     if (result != nullptr) return;
@@ -110,81 +39,222 @@ void PutTailOnOwnRows(const ProInfo& rule, std::vector<SalePlu>& lines, double t
 
 }  // namespace
 
-void ApportionRecords(const ProInfo& rule, const LinePtrs& lines, double money, Text billNo) {
+// --- By value at Price ----------------------------------------------------------------------------------------------
+
+namespace {
+
+double WeightOfLine(RuleRun& run, SalePlu& line) {
+  const Apportion* const held = FindLastRow(line.Apportions, run.Info().BillNo);
+  LogApportion(held != nullptr);
+  if (held != nullptr) return held->AppNum() * line.Price;
+  run.Record(line, {line.PluCount, 0, line.Price}, Rows::Apportions);
+  line.DisNum = line.PluCount;
+  return line.PluCount * line.Price;
+}
+
+}  // namespace
+
+void LogApportion(bool isApportioned) { Log(isApportioned ? "已有分摊记录" : "不存在已有分摊记录，创建分摊记录"); }
+
+void ApportionRecords(RuleRun& run, const LinePtrs& lines, double money) {
   double weight = 0;
-  for (SalePlu* line : LastToFirst(lines)) weight += WeightOfLine(rule, *line, billNo);
+  for (SalePlu* line : LastToFirst(lines)) weight += WeightOfLine(run, *line);
   if (WithoutNoise(weight) == 0) return;
 
-  const bool setsMoney = IsOneOf(rule.ProType, {"MZZF", "ZHTJ"});
   double sum = 0;
   for (SalePlu* line : LastToFirst(lines)) {
-    Apportion* row = FindLastRow(line->Apportions, billNo);
+    Apportion* const row = FindLastRow(line->Apportions, run.Info().BillNo);
     if (row == nullptr) continue;
     const double share = Quotient(money * row->AppNum() * line->Price, weight);
     row->YhMoney = share;
-    if (setsMoney) row->AppMoney() = share;
+    if (run.Type().Has(Fact::ApportionsMoney)) row->AppMoney() = share;
     sum += CeilToCents(share);
   }
-  // The tail goes to the first row of the first line that has any, whoever wrote it, and only to its YhMoney.
   const auto first =
       std::find_if(lines.begin(), lines.end(), [](const SalePlu* line) { return !line->Apportions.empty(); });
   if (first != lines.end()) (*first)->Apportions.front().YhMoney += money - sum;
 }
 
-void PutTailOnFirstRows(const ProInfo& rule, const LinePtrs& lines, double tail, bool writeResult) {
-  const auto apportioned =
-      std::find_if(lines.begin(), lines.end(), [](const SalePlu* line) { return !line->Apportions.empty(); });
-  if (apportioned != lines.end()) (*apportioned)->Apportions.front().AppMoney() += tail;
+// --- Over chosen lines ----------------------------------------------------------------------------------------------
 
-  const auto discounted =
-      std::find_if(lines.begin(), lines.end(), [](const SalePlu* line) { return !line->ProResults.empty(); });
-  if (discounted == lines.end()) return;
-  if (LowersTotalOfChosenLines(rule.ProType)) (*discounted)->Total -= tail;
-  if (writeResult) (*discounted)->ProResults.front().DisMoney += tail;
+namespace {
+
+double PartOfLine(const RuleRun& run, const SalePlu& line, PartBy by) {
+  if (by == PartBy::DisNum) return line.FinalPrice * line.DisNum;
+  return run.Type().Has(Fact::SharesByTotal) ? line.Total : run.OpenMoney(line);
 }
 
-void SpreadOverLinePtrs(const ProInfo& rule, const LinePtrs& lines, double money, double base,
-                        const SpreadOptions& options) {
+/// Works out a line's share and uses up its `DisNum` where the share tells it. A share of 0 changes nothing.
+Award ShareOfLine(const RuleRun& run, SalePlu& line, double money, double base, PartBy by) {
+  const double part = PartOfLine(run, line, by);
+  Award share;
+  share.Money = CutToCents(Quotient(part, base) * money);
+  if (share.Money == 0) return share;
+  const bool byDisNum = by == PartBy::DisNum;
+  const bool tellsDisNum = byDisNum || run.Type().Has(Fact::TellsDisNum);
+  share.NewPrice =
+      byDisNum ? Quotient(part - share.Money, line.DisNum) : Quotient(line.Total - share.Money, line.PluCount);
+  share.Quantity = CeilSingle(tellsDisNum ? line.DisNum : line.PluCount);
+  if (tellsDisNum) line.DisNum = 0;
+  return share;
+}
+
+}  // namespace
+
+void SpreadOverLinePtrs(RuleRun& run, const LinePtrs& lines, double money, double base, const SpreadOptions& options) {
   if (money == 0 || WithoutNoise(base) == 0 || lines.empty()) return;
   double sum = 0;
   for (SalePlu* line : lines) {
-    if (FindResult(*line, rule.BillNo) != nullptr) continue;
-    const Share share = ShareOfLine(rule, *line, money, base, options.ByDisNum);
+    if (run.HasActedOn(*line)) continue;
+    Award share = ShareOfLine(run, *line, money, base, options.Part);
     if (share.Money == 0) continue;
-    const double baseMoney =
+    share.BaseMoney =
         share.Quantity > 0 ? share.Quantity * line->FinalPrice : Quotient(base * line->Total, SumOfTotals(lines));
-    const ProResult row = RowOf(rule, share, baseMoney, options.VipType);
-    line->Apportions.push_back(row);
-    if (options.WriteResult) line->ProResults.push_back(row);
-    if (options.SetFinalPrice && !options.ByDisNum) line->FinalPrice = share.NewPrice;
-    if (LowersTotalOfChosenLines(rule.ProType)) line->Total -= share.Money;
+    const bool follows = options.Price == FinalPrice::Follows && options.Part != PartBy::DisNum;
+    if (follows) line->FinalPrice = share.NewPrice;
+    if (run.Type().Has(Fact::LowersChosenLines)) run.LowerTotal(*line, share.Money);
+    run.Record(*line, share, options.To);
     sum += share.Money;
   }
   const double tail = money - sum;
-  if (tail != 0) PutTailOnFirstRows(rule, lines, tail, options.WriteResult);
+  if (tail != 0) PutTailOnFirstRows(run, lines, tail, options.To);
 }
 
-void SpreadOverLines(const ProInfo& rule, std::vector<SalePlu>& lines, double money, double base,
-                     const SpreadOptions& options) {
-  if (WithoutNoise(base) == 0 || WithoutNoise(SumOfTotals(lines)) == 0) return;
-  const bool isReduce = Same(rule.ProType, "MZMJ");
+// --- Over the whole sale --------------------------------------------------------------------------------------------
+
+void SpreadOverLines(RuleRun& run, double money, double base, FinalPrice price) {
+  if (WithoutNoise(base) == 0 || WithoutNoise(SumOfTotals(run.Lines())) == 0) return;
+  const bool leavesTotals = run.Type().Has(Fact::LeavesWholeSale);
   double sum = 0;
-  for (SalePlu& line : lines) {
-    if (FindResult(line, rule.BillNo) != nullptr) continue;
-    Share share;
-    share.Quantity = CeilSingle(Same(rule.ProType, "MZZM") ? line.DisNum : line.PluCount);
-    const bool byQuantity = !isReduce && share.Quantity > 0;
-    const double baseMoney =
-        byQuantity ? share.Quantity * line.FinalPrice : Quotient(base * line.Total, SumOfTotals(lines));
-    share.Money = CutToCents(Quotient(baseMoney, base) * money);
+  for (SalePlu& line : run.Lines()) {
+    if (run.HasActedOn(line)) continue;
+    Award share;
+    share.Quantity = CeilSingle(run.Type().Has(Fact::TellsDisNum) ? line.DisNum : line.PluCount);
+    const bool byQuantity = !leavesTotals && share.Quantity > 0;
+    share.BaseMoney =
+        byQuantity ? share.Quantity * line.FinalPrice : Quotient(base * line.Total, SumOfTotals(run.Lines()));
+    share.Money = CutToCents(Quotient(share.BaseMoney, base) * money);
     share.NewPrice = Quotient(line.Total - share.Money, line.PluCount);
-    WriteResultRow(line, RowOf(rule, share, baseMoney, options.VipType));  // a share of 0 writes its row too
-    if (options.SetFinalPrice) line.FinalPrice = share.NewPrice;
-    if (!isReduce) line.Total -= share.Money;
+    run.Record(line, share);
+    if (price == FinalPrice::Follows) line.FinalPrice = share.NewPrice;
+    if (!leavesTotals) run.LowerTotal(line, share.Money);
     sum += share.Money;
   }
   const double tail = money - sum;
-  if (tail != 0) PutTailOnOwnRows(rule, lines, tail);
+  if (tail != 0) PutTailOnOwnRows(run, tail);
+}
+
+// --- Over a fixed combination ---------------------------------------------------------------------------------------
+
+namespace {
+
+/// @return the line's share; a share of 0 leaves the line as it is.
+double GiveFixedShare(RuleRun& run, SalePlu& line, const LinePtrs& lines, double discount, double value) {
+  const double unit = RoundMoney(UnitBeforeCombinations(line));
+  Award share;
+  share.Money = RoundMoney(Quotient(unit * line.DisNum, value) * discount);
+  if (share.Money == 0) return 0;
+  share.NewPrice = RoundMoney(unit - Quotient(share.Money, line.DisNum));
+  share.Quantity = CeilSingle(line.DisNum);
+  line.DisNum = 0;
+  share.BaseMoney = share.Quantity > 0 ? share.Quantity * unit : Quotient(value * line.Total, SumOfTotals(lines));
+  run.Give(line, share);
+  return share.Money;
+}
+
+}  // namespace
+
+void SpreadFixedDiscount(RuleRun& run, const LinePtrs& lines, double discount, double value) {
+  if (discount == 0 || lines.empty()) return;
+  double spread = 0;
+  for (SalePlu* line : lines) {
+    if (!run.HasActedOn(*line)) spread += GiveFixedShare(run, *line, lines, discount, value);
+  }
+  const double tail = discount - spread;
+  if (tail != 0) PutTailOnFirstRows(run, lines, tail, Rows::Both);
+}
+
+// --- A payment's reduction ------------------------------------------------------------------------------------------
+
+void SpreadPayReduction(RuleRun& run, double given, double used) {
+  const double whole = run.Sale().SaleTotal();
+  double rest = given;
+  for (SalePlu& line : LastToFirst(run.Lines())) {
+    Award share;
+    share.Money = CeilToCents(Quotient(given * line.Total, whole));
+    share.BaseMoney = Quotient(line.Total * used, whole);
+    rest -= share.Money;
+    if (&line == &run.Lines().front()) share.Money += rest;
+    run.Record(line, share, Rows::Results);
+  }
+}
+
+// --- Over whole sets ------------------------------------------------------------------------------------------------
+
+SetSum::SetSum(double sets, double total, double size)
+    : m_sum(sets * total), m_total(total), m_size(size), m_perPiece(Quotient(total, size)) {}
+
+double SetSum::DiscountToPrice(double unit, double quantity, bool isLast) {
+  const double money = RoundMoney((unit - m_perPiece) * quantity);
+  m_spread += RoundMoney(m_perPiece * quantity);
+  if (!isLast) return money;
+  const double settled = RoundMoney(money - (m_sum - m_spread));
+  m_spread = 0;
+  return settled;
+}
+
+double SetSum::DiscountByReduction(double quantity, bool isLast) {
+  double money = RoundMoney(Quotient(quantity * m_total, m_size));
+  Log(Join("组合自选促销生成的优惠：", FormatG6(money)));
+  if (isLast) {
+    const double rest = m_sum - m_spread;
+    Log(Join("temp:", FormatG6(rest)));
+    money = RoundMoney(rest);
+    m_spread = 0;
+  }
+  m_spread += RoundMoney(m_perPiece * quantity);
+  Log(Join("m_dTotalPrice:", FormatG6(m_spread)));
+  return money;
+}
+
+void SetSum::TakeBack(double quantity) { m_spread -= RoundMoney(m_perPiece * quantity); }
+
+namespace {
+
+/// A smaller difference is no tail.
+constexpr double kNoTail = 0.001;
+
+void PutTailOnLastLine(RuleRun& run, const LinePtrs& lines, double tail) {
+  for (SalePlu* line : LastToFirst(lines)) {
+    if (line->ProResults.empty() || line->Apportions.empty()) continue;
+    if (Apportion* const apportion = FindRow(line->Apportions, run.Info().BillNo)) apportion->AppMoney() += tail;
+    ProResult* const result = FindResult(*line, run.Info().BillNo);
+    if (result == nullptr) continue;
+    result->DisMoney += tail;
+    run.LowerTotal(*line, tail);
+    return;
+  }
+}
+
+}  // namespace
+
+void SettlePool(RuleRun& run, const LinePtrs& lines, double money) {
+  double actual = 0;
+  double discount = 0;
+  for (SalePlu* line : lines) {
+    actual += line->Total;
+    for (ProResult& row : line->ProResults) {
+      if (!Same(row.ProBillNo, run.Info().BillNo)) continue;
+      row.DisMoney = RoundThroughF2(row.DisMoney);
+      discount += row.DisMoney;
+    }
+  }
+  const double tail = money - actual - discount;
+  Log(Join("自由组合原始total", FormatG6(money)));
+  Log(Join("自由组合实际total", FormatG6(actual)));
+  Log(Join("自由组合优惠total", FormatG6(discount)));
+  Log(Join("自由组合尾差为", FormatG6(tail)));
+  if (std::fabs(tail) > kNoTail) PutTailOnLastLine(run, lines, tail);
 }
 
 }  // namespace Corvane

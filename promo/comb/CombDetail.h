@@ -6,22 +6,11 @@
 #include <cstdint>
 #include <vector>
 
-#include "base/Text.h"
-#include "rule/LineSelection.h"
-#include "rule/ProInfo.h"
-#include "sale/ProSale.h"
-#include "sale/SaleRecords.h"
+#include "rule/LinePtrs.h"
 
 namespace Corvane {
 
 // What the four combination rules share.
-
-/// What the steps of one calculation take along.
-struct CombWork {
-  ProSale& Sale;
-  std::vector<SalePlu>& Changed;  ///< receives copies of the lines as they are discounted
-  Text VipType;                   ///< member type, empty for none
-};
 
 /// Lines that a rule's rows name, and what is open on them.
 struct CombPool {
@@ -30,16 +19,6 @@ struct CombPool {
   double Money = 0;
 };
 
-/// What combination rules have taken of a line, whichever they were.
-struct CombTaken {
-  double Quantity = 0;
-  double Money = 0;
-};
-CombTaken TakenByCombinations(const SalePlu& line);
-
-/// The line's unit price before any combination discount, not rounded.
-double UnitBeforeCombinations(const SalePlu& line);
-
 /// Whether sets of this size can be formed. A size below 1 is never divided by; nor is NaN.
 inline bool IsSetSize(double saleCount) { return saleCount >= 1; }
 
@@ -47,9 +26,6 @@ inline bool IsSetSize(double saleCount) { return saleCount >= 1; }
 ///
 /// @param saleCount pieces of one set, at least 1.
 std::int32_t WholeSets(double quantity, double saleCount);
-
-/// A result row of the rule that has a new price; `YhMoney` is the discount too.
-ProResult CombResult(const ProInfo& rule, double quantity, double money, double newPrice, Text vipType);
 
 /// Sorts rows ascending by a number of theirs; equal rows keep their order. NaN stands in front of every number.
 template <class Row, class Key>

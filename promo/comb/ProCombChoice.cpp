@@ -8,9 +8,8 @@
 #include "engine/Log.h"
 #include "promo/DetailQuery.h"
 #include "promo/Statement.h"
-#include "rule/EligibleQuantity.h"
-#include "rule/LineDiscount.h"
-#include "rule/MaxDiscount.h"
+#include "rule/LineSelection.h"
+#include "rule/ResultRows.h"
 #include "rule/RuleReader.h"
 
 namespace Corvane {
@@ -32,6 +31,16 @@ constexpr RowField<CombChoiceRow> kRowColumns[] = {
     {"DscPrice", RowColumn::Double<&CombChoiceRow::DscPrice>},
 };
 
+/// Sells the line's `DisNum` at the row's price. An offer never raises a price: a row that is dearer than the line
+/// comes down to the line's price and stays there for the rest of the calculation.
+void SellAtRowPrice(RuleRun& run, CombChoiceRow& row, SalePlu& line) {
+  const double unit = UnitBeforeCombinations(line);
+  if (row.DscPrice > unit) row.DscPrice = unit;
+  if (!(line.DisNum > 0)) return;
+  // Always a row of its own, also where the rule has one on the line.
+  run.Give(line, {line.DisNum, RoundMoney((unit - row.DscPrice) * line.DisNum), row.DscPrice});
+}
+
 /// The lines that hold the article, from the last to the first.
 LinePtrs LinesOf(Text pluCode, const LinePtrs& lines) {
   LinePtrs found;
@@ -44,20 +53,19 @@ LinePtrs LinesOf(Text pluCode, const LinePtrs& lines) {
 
 void ProCombChoice::InitRule(Text xml) { ReadRule(xml, *this); }
 
-void ProCombChoice::CalcRule(ProSale& sale, std::vector<SalePlu>& changed) {
+void ProCombChoice::CalcRule(RuleRun& run) {
   Log("开始计算套餐自选，判断是否满足基本规则");
-  if (!CheckBaseCondition(sale)) return;
+  if (!run.MeetsConditions()) return;
   // Slots and rows that can't be read are missing; the rule goes on with those that were.
   QString message;
   LoadRuleDetail(message);
   Log("基本规则满足");
   LinePtrs matched;
-  const std::int32_t sets = GetChoiceSets(sale, matched);
+  const std::int32_t sets = GetChoiceSets(run, matched);
   if (sets == 0 || matched.empty()) return;
-  const CombWork work{sale, changed, MemberText(sale)};
-  ServeSlots(true, sets, matched, work);
-  ServeSlots(false, sets, matched, work);
-  LimitByMaxDiscount(Info, sale);
+  ServeSlots(run, SlotKind::Mandatory, sets, matched);
+  ServeSlots(run, SlotKind::Optional, sets, matched);
+  run.Limit();
 }
 
 // --- Rows -----------------------------------------------------------------------------------------------------------
@@ -95,16 +103,16 @@ bool ProCombChoice::LoadRows(QString& message) {
 /// lines in here, so that the live ones serve.
 ///
 /// @param matched out: the lines that offers may take, article by article.
-std::int32_t ProCombChoice::GetChoiceSets(ProSale& sale, LinePtrs& matched) const {
-  const LinePtrs candidates = SelectSingleLines(sale.Plus);
+std::int32_t ProCombChoice::GetChoiceSets(const RuleRun& run, LinePtrs& matched) const {
+  const LinePtrs candidates = SelectSingleLines(run.Lines());
   if (candidates.empty()) return 0;
   std::int32_t sets = 0;
   // Fractions are dropped at each step: two lines of 0.5 make no menu.
   for (const SalePlu* line : LastToFirst(candidates)) sets = TruncToInt32(sets + line->PluCount);
   for (const CombChoiceSlot& slot : LastToFirst(m_slots)) {
     // An optional slot is asked too, for the lines that it adds; its answer doesn't count.
-    const std::int32_t slotSets = GetSlotSets(slot, candidates, matched, sale.Plus);
-    if (!slot.IsRequired) continue;
+    const std::int32_t slotSets = GetSlotSets(run, slot, candidates, matched);
+    if (slot.Kind() == SlotKind::Optional) continue;
     if (slotSets == 0) return 0;
     sets = std::min(sets, slotSets);
   }
@@ -114,8 +122,8 @@ std::int32_t ProCombChoice::GetChoiceSets(ProSale& sale, LinePtrs& matched) cons
 /// The menus that a slot can serve; what its rows can serve in fractions adds up.
 ///
 /// @param matched in and out: receives the lines of each row that serves a whole menu by itself, once per article.
-std::int32_t ProCombChoice::GetSlotSets(const CombChoiceSlot& slot, const LinePtrs& candidates, LinePtrs& matched,
-                                        const std::vector<SalePlu>& lines) const {
+std::int32_t ProCombChoice::GetSlotSets(const RuleRun& run, const CombChoiceSlot& slot, const LinePtrs& candidates,
+                                        LinePtrs& matched) const {
   double sum = 0;
   for (const CombChoiceRow& row : LastToFirst(slot.Rows)) {
     if (!IsSetSize(row.SaleCount)) {
@@ -125,7 +133,7 @@ std::int32_t ProCombChoice::GetSlotSets(const CombChoiceSlot& slot, const LinePt
     }
     const LinePtrs holding = LinesOf(row.PluCode, candidates);
     double open = 0;
-    for (const SalePlu* line : holding) open += GetCalcCount(*line, Info, lines);
+    for (const SalePlu* line : holding) open += run.OpenCount(*line);
     const double menus = Quotient(open, row.SaleCount);
     sum += menus;
     if (menus >= 1 && LinesOf(row.PluCode, matched).empty()) {
@@ -137,15 +145,15 @@ std::int32_t ProCombChoice::GetSlotSets(const CombChoiceSlot& slot, const LinePt
 
 // --- Discount -------------------------------------------------------------------------------------------------------
 
-void ProCombChoice::ServeSlots(bool required, std::int32_t sets, const LinePtrs& matched, const CombWork& work) {
+void ProCombChoice::ServeSlots(RuleRun& run, SlotKind kind, std::int32_t sets, const LinePtrs& matched) {
   for (CombChoiceSlot& slot : LastToFirst(m_slots)) {
-    if (slot.IsRequired != required) continue;
-    Log(required ? "计算必选坑" : "计算可选坑");
+    if (slot.Kind() != kind) continue;
+    Log(kind == SlotKind::Mandatory ? "计算必选坑" : "计算可选坑");
     SortSlotRows(slot);
     std::int64_t remaining = sets;
     for (CombChoiceRow& row : LastToFirst(slot.Rows)) {
       if (remaining <= 0) break;
-      if (IsSetSize(row.SaleCount)) DiscountChoiceRow(row, matched, remaining, work);
+      if (IsSetSize(row.SaleCount)) DiscountChoiceRow(run, row, matched, remaining);
     }
   }
 }
@@ -155,46 +163,33 @@ void SortSlotRows(CombChoiceSlot& slot) {
 }
 
 /// @param remaining in and out: menus still to be served in this slot.
-void ProCombChoice::DiscountChoiceRow(CombChoiceRow& row, const LinePtrs& matched, std::int64_t& remaining,
-                                      const CombWork& work) const {
-  const std::int32_t menus = MenusOfRow(row, matched, remaining, work.Sale.Plus);
+void ProCombChoice::DiscountChoiceRow(RuleRun& run, CombChoiceRow& row, const LinePtrs& matched,
+                                      std::int64_t& remaining) const {
+  const std::int32_t menus = MenusOfRow(run, row, matched, remaining);
   double need = row.SaleCount * menus;
   remaining = std::max<std::int64_t>(0, remaining - menus);
   if (need < 1) return;
   for (SalePlu* line : LinesOf(row.PluCode, matched)) {
-    double quantity = GetCalcCount(*line, Info, work.Sale.Plus);
+    double quantity = run.OpenCount(*line);
     need -= quantity;
     if (need < 0) quantity += need;
     line->DisNum = quantity;
-    DiscountLine(row, *line, work);
+    SellAtRowPrice(run, row, *line);
     if (need < 1) return;
   }
 }
 
 /// The menus for which a row fills the slot.
-std::int32_t ProCombChoice::MenusOfRow(const CombChoiceRow& row, const LinePtrs& matched, std::int64_t remaining,
-                                       const std::vector<SalePlu>& lines) const {
+std::int32_t ProCombChoice::MenusOfRow(const RuleRun& run, const CombChoiceRow& row, const LinePtrs& matched,
+                                       std::int64_t remaining) const {
   double open = 0;
   // Asked under the family word here and under the type where the line is discounted.
-  for (const SalePlu* line : LinesOf(row.PluCode, matched)) open += GetCalcCount(*line, Info, Info.ProMode, lines);
+  for (const SalePlu* line : LinesOf(row.PluCode, matched)) open += run.OpenCountAs(Info.ProMode, *line);
   const std::int64_t served = std::min<std::int64_t>(remaining, WholeSets(open, row.SaleCount));
   const auto menus = static_cast<std::int32_t>(served);
   // The limit by quantity counts the menus of one row.
   const bool overLimit = Same(Info.MaxYhType, LimitKind::kQuantity) && menus > Info.MaxYhValue;
   return overLimit ? TruncToInt32(Info.MaxYhValue) : menus;
-}
-
-/// Sells the line's `DisNum` at the row's price. An offer never raises a price: a row that is dearer than the line
-/// comes down to the line's price and stays there for the rest of the calculation.
-void ProCombChoice::DiscountLine(CombChoiceRow& row, SalePlu& line, const CombWork& work) const {
-  const double unit = UnitBeforeCombinations(line);
-  if (row.DscPrice > unit) row.DscPrice = unit;
-  if (!(line.DisNum > 0)) return;
-  const double money = RoundMoney((unit - row.DscPrice) * line.DisNum);
-  line.Total -= money;
-  work.Changed.push_back(line);
-  // Always a row of its own, also where the rule has one on the line.
-  WriteResultRow(line, CombResult(Info, line.DisNum, money, row.DscPrice, work.VipType));
 }
 
 }  // namespace Corvane

@@ -9,7 +9,7 @@
 #include "promo/comb/CombDetail.h"
 #include "rule/LineSelection.h"
 #include "rule/ProBase.h"
-#include "sale/ProSale.h"
+#include "rule/RuleRun.h"
 
 namespace Corvane {
 
@@ -20,12 +20,17 @@ struct CombChoiceRow : ProDetailKey {
   double DscPrice = 0;        ///< unit price within the menu; may be lowered for the rest of a calculation
 };
 
+/// Whether a menu needs a slot.
+enum class SlotKind { Mandatory, Optional };
+
 /// A slot of the menu, from `tProPrjCombProAct`.
 struct CombChoiceSlot {
   std::vector<CombChoiceRow> Rows;
   Text ProActCode = nullptr;  ///< the slot's key
   Text ProActname = nullptr;  ///< spelled so in the table
   bool IsRequired = false;    ///< a menu needs this slot
+
+  SlotKind Kind() const { return IsRequired ? SlotKind::Mandatory : SlotKind::Optional; }
 };
 
 /// "ZHZX", the set menu with a choice: slots, mandatory or optional, each offering several articles at a set price. The
@@ -39,24 +44,21 @@ class ProCombChoice : public ProBase {
 
   void InitRule(Text xml);
 
-  /// @param changed receives copies of the lines as they are discounted.
-  void CalcRule(ProSale& sale, std::vector<SalePlu>& changed);
+  void CalcRule(RuleRun& run);
 
  private:
   bool LoadRuleDetail(QString& message);
   bool LoadSlots(QString& message);
   bool LoadRows(QString& message);
 
-  std::int32_t GetChoiceSets(ProSale& sale, LinePtrs& matched) const;
-  std::int32_t GetSlotSets(const CombChoiceSlot& slot, const LinePtrs& candidates, LinePtrs& matched,
-                           const std::vector<SalePlu>& lines) const;
+  std::int32_t GetChoiceSets(const RuleRun& run, LinePtrs& matched) const;
+  std::int32_t GetSlotSets(const RuleRun& run, const CombChoiceSlot& slot, const LinePtrs& candidates,
+                           LinePtrs& matched) const;
 
-  void ServeSlots(bool required, std::int32_t sets, const LinePtrs& matched, const CombWork& work);
-  void DiscountChoiceRow(CombChoiceRow& row, const LinePtrs& matched, std::int64_t& remaining,
-                         const CombWork& work) const;
-  std::int32_t MenusOfRow(const CombChoiceRow& row, const LinePtrs& matched, std::int64_t remaining,
-                          const std::vector<SalePlu>& lines) const;
-  void DiscountLine(CombChoiceRow& row, SalePlu& line, const CombWork& work) const;
+  void ServeSlots(RuleRun& run, SlotKind kind, std::int32_t sets, const LinePtrs& matched);
+  void DiscountChoiceRow(RuleRun& run, CombChoiceRow& row, const LinePtrs& matched, std::int64_t& remaining) const;
+  std::int32_t MenusOfRow(const RuleRun& run, const CombChoiceRow& row, const LinePtrs& matched,
+                          std::int64_t remaining) const;
 
   std::vector<CombChoiceSlot> m_slots;
   QnPosDBPro m_db;

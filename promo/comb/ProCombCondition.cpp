@@ -9,8 +9,8 @@
 #include "promo/PercentKept.h"
 #include "promo/Statement.h"
 #include "rule/EligibleQuantity.h"
-#include "rule/LineDiscount.h"
-#include "rule/MaxDiscount.h"
+#include "rule/LineSelection.h"
+#include "rule/ResultRows.h"
 #include "rule/RuleReader.h"
 #include "rule/Spreading.h"
 
@@ -49,24 +49,22 @@ bool IsShort(double demand, double held) { return demand > 0 && demand > held; }
 
 void ProCombCondition::InitRule(Text xml) { ReadRule(xml, *this); }
 
-void ProCombCondition::CalcRule(ProSale& sale, std::vector<SalePlu>& changed) {
-  if (!CheckBaseCondition(sale)) return;
+void ProCombCondition::CalcRule(RuleRun& run) {
+  if (!run.MeetsConditions()) return;
   QString message;
   if (!LoadRuleDetail(message)) {
     Log(QStringLiteral("计算条件组合促销失败") + message);
     return;
   }
-  const LinePtrs single = SelectSingleLines(sale.Plus);
+  const LinePtrs single = SelectSingleLines(run.Lines());
   if (single.empty()) return;
-  // Nothing changes the lines before the first discount, and each discount asks for the lines as they are: the live
-  // ones serve throughout.
-  CombPool pool = GetCondLines(single, sale.Plus);
-  if (!CheckCondRows(sale.Plus, pool) || !MeetsControl(pool)) return;
-  const CombWork work{sale, changed, MemberText(sale)};
-  DiscountByGoods(pool.Lines, work);
-  DiscountByClass(pool.Lines, work);
-  ApportionChanged(changed);
-  LimitByMaxDiscount(Info, sale);
+  CombPool pool = GetCondLines(run, single);
+  if (!CheckCondRows(run.Lines(), pool) || !MeetsControl(pool)) return;
+  Discounts given;
+  DiscountByGoods(run, pool.Lines, given);
+  DiscountByClass(run, pool.Lines, given);
+  LogApportions(given);
+  run.Limit();
 }
 
 // --- Rows -----------------------------------------------------------------------------------------------------------
@@ -114,10 +112,10 @@ bool ProCombCondition::LoadActions(QString& message) {
 
 /// The lines that action rows name, once for each row that does, from the last line to the first; and what is open on
 /// all candidates.
-CombPool ProCombCondition::GetCondLines(const LinePtrs& candidates, const std::vector<SalePlu>& lines) const {
+CombPool ProCombCondition::GetCondLines(const RuleRun& run, const LinePtrs& candidates) const {
   CombPool pool;
   for (SalePlu* line : LastToFirst(candidates)) {
-    const double open = GetCalcCount(*line, Info, lines);
+    const double open = run.OpenCount(*line);
     pool.Money += GetLineLeftTotal(*line, Info.Primary, Info.ProMode);  // under the family word, not the type
     pool.Quantity += open;
     if (open == 0) continue;
@@ -161,43 +159,39 @@ bool ProCombCondition::MeetsControl(const CombPool& sums) const {
 
 // --- Discount -------------------------------------------------------------------------------------------------------
 
-void ProCombCondition::DiscountByGoods(const LinePtrs& matched, const CombWork& work) const {
+void ProCombCondition::DiscountByGoods(RuleRun& run, const LinePtrs& matched, Discounts& given) const {
   for (const PluAction& action : LastToFirst(m_actions)) {
     if (!NamesGoods(action)) continue;
     LinePtrs lines;
     std::copy_if(matched.begin(), matched.end(), std::back_inserter(lines),
                  [&](const SalePlu* line) { return Same(line->PluCode, action.PluCode); });
-    DiscountByRow(action, lines, work);
+    DiscountByRow(run, action, lines, given);
   }
 }
 
 /// Every class row is offered to every line that no goods row names, whichever class row matched that line.
-void ProCombCondition::DiscountByClass(const LinePtrs& matched, const CombWork& work) const {
-  const LinePtrs outside = SelectOutsideLines(SplitRows(m_actions).PluIn, matched, "PLU");
+void ProCombCondition::DiscountByClass(RuleRun& run, const LinePtrs& matched, Discounts& given) const {
+  const LinePtrs outside = SelectOutsideLines(SplitRows(m_actions).PluIn, matched, RowsBy::Goods);
   for (const PluAction& action : LastToFirst(m_actions)) {
-    if (!NamesGoods(action)) DiscountByRow(action, outside, work);
+    if (!NamesGoods(action)) DiscountByRow(run, action, outside, given);
   }
 }
 
-void ProCombCondition::DiscountByRow(const PluAction& action, const LinePtrs& lines, const CombWork& work) const {
-  constexpr double kNoLimit = 0;
-  double applied = 0;  // without a limit it decides nothing, whatever it starts from
+void ProCombCondition::DiscountByRow(RuleRun& run, const PluAction& action, const LinePtrs& lines,
+                                     Discounts& given) const {
   for (SalePlu* line : lines) {
-    if (!(GetCalcCount(*line, Info, work.Sale.Plus) > 0)) continue;
-    ApplyLineDiscount(action, kNoLimit, *line, applied, Info, work.Changed, work.VipType, work.Sale.Plus);
+    if (!(run.OpenCount(*line) > 0)) continue;
+    const bool isApportioned = FindRow(line->Apportions, Info.BillNo) != nullptr;
+    Allowance unlimited;
+    const std::optional<double> taken = run.Discount(*line, action, unlimited);
+    if (taken && *taken > 0) given.push_back(isApportioned);
   }
 }
 
-/// Writes apportion rows onto the copies of the discounted lines. A copy was taken before the row of its own discount
-/// was written, so that the money is what a line's earlier discount left on it; it is spread even when it is 0.
-void ProCombCondition::ApportionChanged(std::vector<SalePlu>& changed) const {
-  double money = 0;
-  for (const SalePlu& line : changed) {
-    for (const ProResult& row : line.ProResults) {
-      if (Same(row.ProBillNo, Info.BillNo)) money += row.DisMoney;
-    }
-  }
-  ApportionRecords(Info, PointersTo(changed), money, Info.BillNo);
+/// The rule's money was on its lines before it could be apportioned: all that is left of that step is what it told the
+/// log, discount by discount from the last to the first.
+void ProCombCondition::LogApportions(const Discounts& given) {
+  for (const bool isApportioned : LastToFirst(given)) LogApportion(isApportioned);
 }
 
 }  // namespace Corvane

@@ -9,7 +9,7 @@
 #include "promo/comb/CombDetail.h"
 #include "rule/LineSelection.h"
 #include "rule/ProBase.h"
-#include "sale/ProSale.h"
+#include "rule/RuleRun.h"
 
 namespace Corvane {
 
@@ -30,8 +30,7 @@ class ProCombCondition : public ProBase {
 
   void InitRule(Text xml);
 
-  /// @param changed receives copies of the lines as they are discounted; empty at the call.
-  void CalcRule(ProSale& sale, std::vector<SalePlu>& changed);
+  void CalcRule(RuleRun& run);
 
  private:
   bool LoadRuleDetail(QString& message);
@@ -39,14 +38,17 @@ class ProCombCondition : public ProBase {
   bool LoadControls(QString& message);
   bool LoadActions(QString& message);
 
-  CombPool GetCondLines(const LinePtrs& candidates, const std::vector<SalePlu>& lines) const;
+  CombPool GetCondLines(const RuleRun& run, const LinePtrs& candidates) const;
   bool CheckCondRows(const std::vector<SalePlu>& lines, CombPool& sums) const;
   bool MeetsControl(const CombPool& sums) const;
 
-  void DiscountByGoods(const LinePtrs& matched, const CombWork& work) const;
-  void DiscountByClass(const LinePtrs& matched, const CombWork& work) const;
-  void DiscountByRow(const PluAction& action, const LinePtrs& lines, const CombWork& work) const;
-  void ApportionChanged(std::vector<SalePlu>& changed) const;
+  /// For each discount in its order: whether the line had an apportion row of the rule already.
+  using Discounts = std::vector<bool>;
+
+  void DiscountByGoods(RuleRun& run, const LinePtrs& matched, Discounts& given) const;
+  void DiscountByClass(RuleRun& run, const LinePtrs& matched, Discounts& given) const;
+  void DiscountByRow(RuleRun& run, const PluAction& action, const LinePtrs& lines, Discounts& given) const;
+  static void LogApportions(const Discounts& given);
 
   std::vector<PluCondition> m_conditions;  ///< from `tProCombConditionAct`
   std::vector<CombCondCtrl> m_controls;

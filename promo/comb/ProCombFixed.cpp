@@ -7,9 +7,8 @@
 #include "engine/Log.h"
 #include "promo/DetailQuery.h"
 #include "promo/Statement.h"
-#include "rule/EligibleQuantity.h"
-#include "rule/LineDiscount.h"
-#include "rule/MaxDiscount.h"
+#include "rule/LineSelection.h"
+#include "rule/ResultRows.h"
 #include "rule/RuleReader.h"
 #include "rule/Spreading.h"
 
@@ -41,34 +40,36 @@ constexpr RowField<CombFixedRow> kRowColumns[] = {
 /// The second statement's failure text has the words in the other order.
 constexpr Text kRowsFailed = "查询数据库失败";
 
-double SumOfTotals(const LinePtrs& lines) {
-  double total = 0;
-  for (const SalePlu* line : lines) total += line->Total;
-  return total;
+/// Sells pieces of the line at the row's unit price, which never raises a price. Not rounded, unlike every other
+/// discount of the family.
+void SellAtUnitPrice(RuleRun& run, const CombFixedRow& row, SalePlu& line, double quantity) {
+  const double unit = UnitBeforeCombinations(line);
+  const double price = std::min(row.DscPrice, unit);
+  line.DisNum = quantity;
+  run.Give(line, {quantity, (unit - price) * quantity, price});
 }
 
 }  // namespace
 
 void ProCombFixed::InitRule(Text xml) { ReadRule(xml, *this); }
 
-void ProCombFixed::CalcRule(ProSale& sale, std::vector<SalePlu>& changed) {
+void ProCombFixed::CalcRule(RuleRun& run) {
   Log(Info.BillNo);
-  if (!CheckBaseCondition(sale)) return;
+  if (!run.MeetsConditions()) return;
   QString message;
   if (!LoadRuleDetail(message)) {
     Log(message);
     return;
   }
   SortAscending(m_rows, [](const CombFixedRow& row) { return row.SaleCount; });
-  const LinePtrs single = SelectSingleLines(sale.Plus);
+  const LinePtrs single = SelectSingleLines(run.Lines());
   if (single.empty()) return;
-  const std::optional<FixedSets> found = GetFixedSets(single, sale.Plus);
+  const std::optional<FixedSets> found = GetFixedSets(run, single);
   if (!found || found->Lines.empty()) return;
-  const CombWork work{sale, changed, MemberText(sale)};
-  TakePieces(*found, work);
-  // A price at or over the ordinary value gives nothing, and the ceiling is not even looked at.
-  if (IsPricedAsWhole() && !SpreadPrice(*found, work.VipType)) return;
-  LimitByMaxDiscount(Info, sale);
+  TakePieces(run, *found);
+  // A price at or over the ordinary value gives nothing, and the limit is not even looked at.
+  if (IsPricedAsWhole() && !SpreadPrice(run, *found)) return;
+  run.Limit();
 }
 
 // --- Rows -----------------------------------------------------------------------------------------------------------
@@ -105,12 +106,12 @@ bool ProCombFixed::LoadRows(const CombFixedPrice& price, QString& message) {
 // --- Number of combinations -----------------------------------------------------------------------------------------
 
 /// @return nothing when an article is short, or when a row's piece count can form no combination.
-std::optional<ProCombFixed::FixedSets> ProCombFixed::GetFixedSets(const LinePtrs& candidates,
-                                                                  const std::vector<SalePlu>& lines) const {
+std::optional<ProCombFixed::FixedSets> ProCombFixed::GetFixedSets(const RuleRun& run,
+                                                                  const LinePtrs& candidates) const {
   FixedSets found;
   bool isFirst = true;
   for (const CombFixedRow& row : LastToFirst(m_rows)) {
-    const Article article = TakeArticle(row.PluCode, candidates, found.Lines, lines);
+    const Article article = TakeArticle(run, row.PluCode, candidates, found.Lines);
     if (!IsSetSize(row.SaleCount)) {
       LogUnusableSaleCount(Info.BillNo, row.SerialNo);
       return std::nullopt;
@@ -130,12 +131,12 @@ std::optional<ProCombFixed::FixedSets> ProCombFixed::GetFixedSets(const LinePtrs
 
 /// Appends the lines that hold the article and have pieces open, and clears their `DisNum`. Where several lines hold
 /// it, the last one's unit value counts.
-ProCombFixed::Article ProCombFixed::TakeArticle(Text pluCode, const LinePtrs& candidates, LinePtrs& matched,
-                                                const std::vector<SalePlu>& lines) const {
+ProCombFixed::Article ProCombFixed::TakeArticle(const RuleRun& run, Text pluCode, const LinePtrs& candidates,
+                                                LinePtrs& matched) {
   Article article;
   for (SalePlu* line : candidates) {
     if (!Same(line->PluCode, pluCode)) continue;
-    const double open = GetCalcCount(*line, Info, lines);
+    const double open = run.OpenCount(*line);
     if (!(open > 0)) continue;
     matched.push_back(line);
     line->DisNum = 0;
@@ -147,87 +148,42 @@ ProCombFixed::Article ProCombFixed::TakeArticle(Text pluCode, const LinePtrs& ca
 
 // --- Discount -------------------------------------------------------------------------------------------------------
 
-void ProCombFixed::TakePieces(const FixedSets& found, const CombWork& work) const {
+void ProCombFixed::TakePieces(RuleRun& run, const FixedSets& found) const {
   for (const CombFixedRow& row : LastToFirst(m_rows)) {
-    const double target = found.Sets * row.SaleCount;
-    double running = 0;
+    Pieces pieces{found.Sets * row.SaleCount};
     for (SalePlu* line : found.Lines) {
-      if (Same(line->PluCode, row.PluCode)) DiscountFixedRow(row, *line, running, target, work);
+      if (Same(line->PluCode, row.PluCode)) DiscountFixedRow(run, row, *line, pieces);
     }
   }
 }
 
 /// Takes the line's pieces for the row. A unit price is given at once; the price of a whole combination is spread
 /// later.
-///
-/// @param running in and out: pieces that lines have given to the row so far.
-/// @param target  pieces that the combinations hold of the row's article.
-void ProCombFixed::DiscountFixedRow(const CombFixedRow& row, SalePlu& line, double& running, double target,
-                                    const CombWork& work) const {
-  double quantity = GetCalcCount(line, Info, work.Sale.Plus);
-  if (!(target > quantity + running)) {
-    quantity = target - running;
+void ProCombFixed::DiscountFixedRow(RuleRun& run, const CombFixedRow& row, SalePlu& line, Pieces& pieces) {
+  double quantity = run.OpenCount(line);
+  if (!(pieces.Target > quantity + pieces.Running)) {
+    quantity = pieces.Target - pieces.Running;
     if (!(quantity > 0)) return;
   }
   const bool perArticle = Same(row.PriceType, FixedPrice::kPerArticle);
   if (!perArticle && !Same(row.PriceType, FixedPrice::kPerCombination)) return;
   if (perArticle) {
-    WriteUnitPrice(row, line, quantity, work);
+    SellAtUnitPrice(run, row, line, quantity);
   } else {
     line.DisNum = quantity;
   }
-  running += quantity;
-}
-
-void ProCombFixed::WriteUnitPrice(const CombFixedRow& row, SalePlu& line, double quantity, const CombWork& work) const {
-  const double unit = UnitBeforeCombinations(line);
-  const double price = std::min(row.DscPrice, unit);
-  // Not rounded, unlike every other discount of the family.
-  const double money = (unit - price) * quantity;
-  line.Total -= money;
-  line.DisNum = quantity;
-  WriteResultRow(line, CombResult(Info, quantity, money, price, work.VipType));
-  work.Changed.push_back(line);  // here the copy holds the new row
+  pieces.Running += quantity;
 }
 
 bool ProCombFixed::IsPricedAsWhole() const { return Same(m_rows.front().PriceType, FixedPrice::kPerCombination); }
 
 /// @return false when the price of the combination is no gain.
-bool ProCombFixed::SpreadPrice(const FixedSets& found, Text vipType) const {
+bool ProCombFixed::SpreadPrice(RuleRun& run, const FixedSets& found) const {
   const double value = found.SetValue * found.Sets;
   const double discount = value - found.Sets * m_rows.front().DscPrice;
   if (!(discount > 0)) return false;
-  SpreadFixedDiscount(found.Lines, discount, value, vipType);
+  SpreadFixedDiscount(run, found.Lines, discount, value);
   return true;
-}
-
-/// Spreads the discount of all combinations over the lines by value.
-///
-/// @param value ordinary value of all combinations.
-void ProCombFixed::SpreadFixedDiscount(const LinePtrs& matched, double discount, double value, Text vipType) const {
-  if (discount == 0 || matched.empty()) return;
-  double spread = 0;
-  for (SalePlu* line : matched) {
-    if (FindResult(*line, Info.BillNo) == nullptr) spread += WriteShare(*line, matched, discount, value, vipType);
-  }
-  const double rest = discount - spread;
-  if (rest != 0) PutTailOnFirstRows(Info, matched, rest, true);
-}
-
-/// Gives the line its share and uses up its `DisNum`. @return the share; a share of 0 leaves the line as it is.
-double ProCombFixed::WriteShare(SalePlu& line, const LinePtrs& matched, double discount, double value,
-                                Text vipType) const {
-  const double unit = RoundMoney(UnitBeforeCombinations(line));
-  const double share = RoundMoney(Quotient(unit * line.DisNum, value) * discount);
-  if (share == 0) return 0;
-  const double newPrice = RoundMoney(unit - Quotient(share, line.DisNum));
-  const double quantity = CeilSingle(line.DisNum);
-  line.DisNum = 0;
-  ProResult row = CombResult(Info, quantity, share, newPrice, vipType);
-  row.BaseMoney = quantity > 0 ? quantity * unit : Quotient(value * line.Total, SumOfTotals(matched));
-  WriteResultRow(line, row);
-  line.Total -= share;
-  return share;
 }
 
 }  // namespace Corvane

@@ -10,7 +10,7 @@
 #include "promo/comb/CombDetail.h"
 #include "rule/LineSelection.h"
 #include "rule/ProBase.h"
-#include "sale/ProSale.h"
+#include "rule/RuleRun.h"
 
 namespace Corvane {
 
@@ -37,8 +37,7 @@ class ProCombFixed : public ProBase {
 
   void InitRule(Text xml);
 
-  /// @param changed receives copies of the lines that got a unit price, with their new row.
-  void CalcRule(ProSale& sale, std::vector<SalePlu>& changed);
+  void CalcRule(RuleRun& run);
 
  private:
   /// The combinations that a sale holds.
@@ -57,18 +56,19 @@ class ProCombFixed : public ProBase {
   bool LoadRuleDetail(QString& message);
   bool LoadRows(const CombFixedPrice& price, QString& message);
 
-  std::optional<FixedSets> GetFixedSets(const LinePtrs& candidates, const std::vector<SalePlu>& lines) const;
-  Article TakeArticle(Text pluCode, const LinePtrs& candidates, LinePtrs& matched,
-                      const std::vector<SalePlu>& lines) const;
+  /// The pieces of one row's article that the combinations hold, on their way over the lines.
+  struct Pieces {
+    double Target = 0;   ///< pieces wanted
+    double Running = 0;  ///< pieces that lines have given so far
+  };
 
-  void TakePieces(const FixedSets& found, const CombWork& work) const;
-  void DiscountFixedRow(const CombFixedRow& row, SalePlu& line, double& running, double target,
-                        const CombWork& work) const;
-  void WriteUnitPrice(const CombFixedRow& row, SalePlu& line, double quantity, const CombWork& work) const;
+  std::optional<FixedSets> GetFixedSets(const RuleRun& run, const LinePtrs& candidates) const;
+  static Article TakeArticle(const RuleRun& run, Text pluCode, const LinePtrs& candidates, LinePtrs& matched);
+
+  void TakePieces(RuleRun& run, const FixedSets& found) const;
+  static void DiscountFixedRow(RuleRun& run, const CombFixedRow& row, SalePlu& line, Pieces& pieces);
   bool IsPricedAsWhole() const;
-  bool SpreadPrice(const FixedSets& found, Text vipType) const;
-  void SpreadFixedDiscount(const LinePtrs& matched, double discount, double value, Text vipType) const;
-  double WriteShare(SalePlu& line, const LinePtrs& matched, double discount, double value, Text vipType) const;
+  bool SpreadPrice(RuleRun& run, const FixedSets& found) const;
 
   std::vector<CombFixedRow> m_rows;
   QnPosDBPro m_db;

@@ -9,7 +9,8 @@
 #include "promo/comb/CombDetail.h"
 #include "rule/LineSelection.h"
 #include "rule/ProBase.h"
-#include "sale/ProSale.h"
+#include "rule/RuleRun.h"
+#include "rule/Spreading.h"
 
 namespace Corvane {
 
@@ -33,16 +34,18 @@ class ProCombFree : public ProBase {
 
   void InitRule(Text xml);
 
-  /// @param changed receives copies of the lines as they are discounted.
-  void CalcRule(ProSale& sale, std::vector<SalePlu>& changed);
+  void CalcRule(RuleRun& run);
 
  private:
   /// A tier on its way over the lines of the pool.
   struct TierRun {
+    TierRun(const CombFreeActRow& tier, std::int32_t sets)
+        : Tier(tier), Target(sets * tier.SaleCount), Sum(sets, tier.PriceTotal, tier.SaleCount) {}
+
     const CombFreeActRow& Tier;
-    std::int32_t Sets = 0;
-    double Target = 0;   ///< pieces that the sets hold
+    double Target;       ///< pieces that the sets hold
     double Running = 0;  ///< pieces that lines have given so far
+    SetSum Sum;          ///< the sets' price, or the discount on them
   };
 
   /// What a line gives to a tier.
@@ -53,32 +56,19 @@ class ProCombFree : public ProBase {
     bool IsLast = false;  ///< the sets end inside this line: it carries the rounding difference
   };
 
-  /// What a tier makes of a line's part.
-  struct Offer {
-    double Money = 0;  ///< discount
-    double NewPrice = 0;
-  };
-
   bool LoadRuleDetail(const std::vector<SalePlu>& lines, QString& message);
   bool LoadPluRows(const SalePlu& line, QString& message);
   bool LoadTiers(QString& message);
   bool HoldsPluRow(std::int32_t serialNo) const;
 
-  CombPool GetSaleAccordCombFree(const LinePtrs& lines, const std::vector<SalePlu>& allLines) const;
-  void AddToPool(CombPool& pool, SalePlu& line, const std::vector<SalePlu>& allLines) const;
+  CombPool GetSaleAccordCombFree(const RuleRun& run, const LinePtrs& lines) const;
+  void AddToPool(const RuleRun& run, CombPool& pool, SalePlu& line) const;
 
-  bool DiscountByTiers(const CombPool& pool, const CombWork& work);
-  double PiecesAllowed(const std::vector<SalePlu>& lines) const;
-  void DiscountSale(TierRun& run, SalePlu& line, const CombWork& work);
-  Offer OfferOfTier(const TierRun& run, const SalePlu& line, const LinePart& part);
-  Offer OfferSetPrice(const TierRun& run, const LinePart& part);
-  Offer OfferReduction(const TierRun& run, const LinePart& part);
-  void WriteOrMerge(SalePlu& line, double quantity, const Offer& offer, Text vipType) const;
+  bool DiscountByTiers(RuleRun& run, const CombPool& pool);
+  double PiecesAllowed(const RuleRun& run) const;
+  static void DiscountSale(RuleRun& run, TierRun& tier, SalePlu& line);
+  static Award AwardOfTier(TierRun& tier, const SalePlu& line, const LinePart& part);
 
-  void SettleTail(const CombPool& pool) const;
-  void PutTail(const LinePtrs& lines, double tail) const;
-
-  double m_dTotalPrice = 0;  ///< set price spread over lines so far, in cents, by the current tier
   std::vector<CombFreePluRow> m_pluRows;
   std::vector<CombFreeActRow> m_tiers;
   QnPosDBPro m_db;

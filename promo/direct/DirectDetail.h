@@ -38,13 +38,6 @@ class DirectDetail {
   std::vector<PluAction> m_actions;
 };
 
-/// What the discount of a row takes along in the rules that work on the whole sale.
-struct DirectWork {
-  ProSale& Sale;
-  std::vector<SalePlu>& Changed;  ///< receives copies of the lines as they are discounted
-  Text VipType;                   ///< member type, empty for none
-};
-
 /// Whether a class row names the line: a "CAT" row by the line's category, a "BRD" row by its brand. No other class
 /// word is known to the ordinary rules.
 bool MatchClassRow(const ProDetailKey& row, const SalePlu& line);

@@ -6,26 +6,11 @@
 
 #include "base/Walk.h"
 #include "engine/Log.h"
-#include "rule/EligibleQuantity.h"
-#include "rule/LineDiscount.h"
-#include "rule/MaxDiscount.h"
 #include "rule/RuleReader.h"
 
 namespace Corvane {
 
 namespace {
-
-/// A goods row counts what is open of a line toward the minimum; a line with nothing open is passed over.
-std::optional<double> CountOpenQuantity(const SalePlu& /*line*/, double open) {
-  if (open <= 0) return std::nullopt;
-  return open;
-}
-
-/// A class row counts the whole line toward the minimum, however little of it is open.
-std::optional<double> CountWholeLine(const SalePlu& line, double open) {
-  if (open <= 0) return std::nullopt;
-  return line.PluCount;
-}
 
 template <class Predicate>
 LinePtrs LinesWhere(const LinePtrs& lines, Predicate predicate) {
@@ -39,57 +24,61 @@ LinePtrs LinesWhere(const LinePtrs& lines, Predicate predicate) {
 
 void ProDirectBatch::InitRule(Text xml) { ReadRule(xml, *this); }
 
-void ProDirectBatch::CalcRule(ProSale& sale, std::vector<SalePlu>& changed) {
+void ProDirectBatch::CalcRule(RuleRun& run) {
   Log(Join("促销单限制类型：", Info.MaxYhType));
-  if (!CheckBaseCondition(sale)) return;
-  m_detail.LoadRuleDetail(m_db, Info.BillNo, sale.Plus);  // nothing changes the lines meanwhile
-  const DirectWork work{sale, changed, MemberText(sale)};
+  if (!run.MeetsConditions()) return;
+  m_detail.LoadRuleDetail(m_db, Info.BillNo, run.Lines());  // nothing changes the lines meanwhile
   const SplitRows rows(m_detail.Conditions());
-  const LinePtrs single = SelectSingleLines(sale.Plus);
+  const LinePtrs single = SelectSingleLines(run.Lines());
   if (single.empty()) return;
-  const LinePtrs allowed = SelectOutsideLines(rows.PluNot, single, "PLU");
+  const LinePtrs allowed = SelectOutsideLines(rows.PluNot, single, RowsBy::Goods);
   if (allowed.empty()) return;
-  DiscountByGoods(rows.PluIn, allowed, work);
+  Discounts given;
+  DiscountByGoods(run, rows.PluIn, allowed, given);
   // What a goods row names, a class row doesn't see.
-  DiscountByClass(rows, SelectOutsideLines(rows.PluIn, allowed, "PLU"), work);
-  LimitByMaxDiscount(Info, sale);
+  DiscountByClass(run, rows, SelectOutsideLines(rows.PluIn, allowed, RowsBy::Goods), given);
+  run.Limit();
 }
 
-void ProDirectBatch::DiscountByGoods(const RowPtrs& rows, const LinePtrs& pool, const DirectWork& work) {
+void ProDirectBatch::DiscountByGoods(RuleRun& run, const RowPtrs& rows, const LinePtrs& pool, Discounts& given) const {
   for (const ProDetailKey* row : LastToFirst(rows)) {
     const LinePtrs lines = LinesWhere(pool, [&](const SalePlu& line) { return Same(line.PluCode, row->PluCode); });
-    DiscountByRow(*row, lines, 0, CountOpenQuantity, work);
+    DiscountByRow(run, *row, lines, Counts::OpenQuantity, 0, given);
   }
 }
 
-void ProDirectBatch::DiscountByClass(const SplitRows& rows, const LinePtrs& pool, const DirectWork& work) {
-  const LinePtrs allowed = SelectOutsideLines(rows.ClassNot, pool, "");
+void ProDirectBatch::DiscountByClass(RuleRun& run, const SplitRows& rows, const LinePtrs& pool,
+                                     Discounts& given) const {
+  const LinePtrs allowed = SelectOutsideLines(rows.ClassNot, pool, RowsBy::Class);
   if (allowed.empty()) return;
   for (const ProDetailKey* row : LastToFirst(rows.ClassIn)) {
     const auto inClass = [&](const SalePlu& line) { return MatchClassRow(*row, line); };
     double applied = 0;  // what earlier rows of this rule took in the class
-    for (const SalePlu& line : work.Changed) {
-      if (inClass(line)) applied += line.DisNum;
+    for (const Discounted& earlier : given) {
+      if (inClass(*earlier.Line)) applied += earlier.Quantity;
     }
-    DiscountByRow(*row, LinesWhere(allowed, inClass), applied, CountWholeLine, work);
+    DiscountByRow(run, *row, LinesWhere(allowed, inClass), Counts::WholeLine, applied, given);
   }
 }
 
-template <class CountedQuantity>
-void ProDirectBatch::DiscountByRow(const ProDetailKey& row, const LinePtrs& lines, double applied,
-                                   CountedQuantity counted, const DirectWork& work) {
+/// A line with nothing open is passed over. A class row counts the other lines whole toward the minimum, however little
+/// of them is open.
+void ProDirectBatch::DiscountByRow(RuleRun& run, const ProDetailKey& row, const LinePtrs& lines, Counts counts,
+                                   double applied, Discounts& given) const {
   const PluCondition& condition = m_detail.ConditionOf(row);
+  Allowance allowance{condition.LimitNum, applied};
   const auto discount = [&](SalePlu& line) {
-    return ApplyLineDiscount(m_detail.ActionOf(row), condition.LimitNum, line, applied, Info, work.Changed,
-                             work.VipType, work.Sale.Plus);
+    const std::optional<double> taken = run.Discount(line, m_detail.ActionOf(row), allowance);
+    if (taken && *taken > 0) given.push_back({&line, *taken});
+    return taken.has_value();
   };
   double sum = 0;
   bool minimumReached = false;
   LinePtrs waiting;
   for (SalePlu* line : lines) {
-    const std::optional<double> quantity = counted(*line, GetCalcCount(*line, Info, work.Sale.Plus));
-    if (!quantity) continue;
-    sum += *quantity;
+    const double open = run.OpenCount(*line);
+    if (open <= 0) continue;
+    sum += counts == Counts::WholeLine ? line->PluCount : open;
     if (sum < condition.MinNum) {
       waiting.push_back(line);
       continue;

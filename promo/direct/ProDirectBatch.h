@@ -7,7 +7,7 @@
 #include "promo/direct/DirectDetail.h"
 #include "rule/LineSelection.h"
 #include "rule/ProBase.h"
-#include "sale/ProSale.h"
+#include "rule/RuleRun.h"
 
 namespace Corvane {
 
@@ -20,15 +20,23 @@ class ProDirectBatch : public ProBase {
 
   void InitRule(Text xml);
 
-  /// @param changed receives copies of the lines as they are discounted.
-  void CalcRule(ProSale& sale, std::vector<SalePlu>& changed);
+  void CalcRule(RuleRun& run);
 
  private:
-  void DiscountByGoods(const RowPtrs& rows, const LinePtrs& pool, const DirectWork& work);
-  void DiscountByClass(const SplitRows& rows, const LinePtrs& pool, const DirectWork& work);
-  template <class CountedQuantity>
-  void DiscountByRow(const ProDetailKey& row, const LinePtrs& lines, double applied, CountedQuantity counted,
-                     const DirectWork& work);
+  /// A discount of the rule, as the class rows behind it count it.
+  struct Discounted {
+    const SalePlu* Line;
+    double Quantity;
+  };
+  using Discounts = std::vector<Discounted>;
+
+  /// What a row counts of a line toward the minimum.
+  enum class Counts { OpenQuantity, WholeLine };
+
+  void DiscountByGoods(RuleRun& run, const RowPtrs& rows, const LinePtrs& pool, Discounts& given) const;
+  void DiscountByClass(RuleRun& run, const SplitRows& rows, const LinePtrs& pool, Discounts& given) const;
+  void DiscountByRow(RuleRun& run, const ProDetailKey& row, const LinePtrs& lines, Counts counts, double applied,
+                     Discounts& given) const;
 
   DirectDetail m_detail;
   QnPosDBPro m_db;

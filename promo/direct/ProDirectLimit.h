@@ -8,7 +8,7 @@
 #include "promo/direct/DirectDetail.h"
 #include "rule/LineSelection.h"
 #include "rule/ProBase.h"
-#include "sale/ProSale.h"
+#include "rule/RuleRun.h"
 
 namespace Corvane {
 
@@ -21,42 +21,31 @@ class ProDirectLimit : public ProBase {
 
   void InitRule(Text xml);
 
-  /// The whole sale: reads the detail rows for its lines, discounts each line and enforces the rule's money ceiling.
-  ///
-  /// @param lines   the sale's own lines.
-  /// @param changed receives copies of the lines as they are discounted.
-  void CalcRule(ProSale& sale, std::vector<SalePlu>& lines, std::vector<SalePlu>& changed);
+  /// The whole sale: reads the detail rows for its lines, discounts each line and enforces the rule's money limit.
+  void CalcRule(RuleRun& run);
 
   /// One line of the sale. Works with the detail rows that the last calculation of a whole sale read, and tests no base
   /// conditions: a rule that has not yet calculated a whole sale gives nothing.
-  void CalcRuleOnLine(ProSale& sale, SalePlu& line, std::vector<SalePlu>& changed);
+  void CalcRuleOnLine(RuleRun& run, SalePlu& line) const;
 
  private:
-  /// What a line's discount takes along.
-  struct LineWork {
-    ProSale& Sale;
-    SalePlu& Line;
-    std::vector<SalePlu>& Changed;
-    Text VipType;
-  };
-
-  bool DiscountByGoods(const RowPtrs& rows, const LineWork& work);
-  void DiscountByClass(const RowPtrs& rows, const LineWork& work);
-  bool DiscountByRow(const ProDetailKey& row, Text word, const LineWork& work);
+  bool DiscountByGoods(RuleRun& run, const RowPtrs& rows, SalePlu& line) const;
+  void DiscountByClass(RuleRun& run, const RowPtrs& rows, SalePlu& line) const;
+  void DiscountByRow(RuleRun& run, const ProDetailKey& row, double earlier, SalePlu& line) const;
 
   DirectDetail m_detail;
   QnPosDBPro m_db;
 };
 
-/// Whether any row names the line: for the word "PLU" by the goods code, otherwise by MatchClassRow.
-bool LineMatchesRows(const RowPtrs& rows, const SalePlu& line, Text word);
+/// Whether any row names the line: by the goods code, or as a class by MatchClassRow.
+bool LineMatchesRows(const RowPtrs& rows, const SalePlu& line, RowsBy by);
 
 /// The quantity that rules of a type took on the line. @return -1 when it is negative or more than the line holds.
 double GetTypeCountOnLine(const SalePlu& line, Text type);
 
-/// The quantity that "PTXS" rules took on the sale's lines up to and including the place `lastIndex`, over lines of
-/// these goods (word "PLU") or of this class (any other word). @return -1 as soon as a line's quantity makes no sense.
-double GetEarlierCount(const ProSale& sale, Text code, Text word, std::int32_t lastIndex);
+/// The quantity that "PTXS" rules took on the sale's lines of these goods, up to and including the place `lastIndex`.
+/// @return -1 as soon as a line's quantity makes no sense.
+double GetEarlierCount(const std::vector<SalePlu>& lines, Text pluCode, std::int32_t lastIndex);
 
 }  // namespace Corvane
 

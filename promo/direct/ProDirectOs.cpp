@@ -7,30 +7,14 @@
 #include "base/Numbers.h"
 #include "base/Walk.h"
 #include "promo/Statement.h"
+#include "rule/ActionPrice.h"
 #include "rule/EligibleQuantity.h"
-#include "rule/LineDiscount.h"
-#include "rule/MaxDiscount.h"
+#include "rule/ResultRows.h"
 #include "rule/RuleReader.h"
 
 namespace Corvane {
 
 namespace {
-
-/// What the rule's own family and "DZ" rules have taken on a line.
-struct GivenBack {
-  double Quantity = 0;
-  double Money = 0;
-};
-
-GivenBack GivenBackOn(const SalePlu& line, const ProInfo& rule) {
-  GivenBack sum;
-  for (const ProResult& row : line.ProResults) {
-    if (!IsGivenBack(row, rule)) continue;
-    sum.Quantity += row.DisNum;
-    sum.Money += row.DisMoney;
-  }
-  return sum;
-}
 
 /// What one unit gains. @return nothing when the price is no gain.
 struct UnitGain {
@@ -56,29 +40,28 @@ std::optional<UnitGain> GainByAction(const PluAction& action, const SalePlu& lin
 
 void ProDirectOs::InitRule(Text xml) { ReadRule(xml, *this); }
 
-void ProDirectOs::CalcRule(ProSale& sale, std::vector<SalePlu>& changed) {
-  if (!CheckBaseCondition(sale)) return;
-  m_detail.LoadRuleDetail(m_db, Info.BillNo, sale.Plus);  // nothing changes the lines meanwhile
-  const DirectWork work{sale, changed, MemberText(sale)};
-  const LinePtrs pool = SelectRowLines(SelectSingleLines(sale.Plus), sale);
+void ProDirectOs::CalcRule(RuleRun& run) {
+  if (!run.MeetsConditions()) return;
+  m_detail.LoadRuleDetail(m_db, Info.BillNo, run.Lines());  // nothing changes the lines meanwhile
+  const LinePtrs pool = SelectRowLines(run, SelectSingleLines(run.Lines()));
   if (pool.empty()) return;
   for (const PluCondition& condition : LastToFirst(m_detail.Conditions())) {
     if (condition.MinNum >= 1) {
-      DiscountByRow(condition, pool, work);
+      DiscountByRow(run, condition, pool);
     } else {
       LogUnusableSaleCount(Info.BillNo, condition.SerialNo);
     }
   }
-  LimitByMaxDiscount(Info, sale);
+  run.Limit();
 }
 
 /// The lines that a row names by goods code and that have a quantity open. Every row counts as including, and a class
 /// row's code is compared with the goods code like any other.
-LinePtrs ProDirectOs::SelectRowLines(const LinePtrs& lines, const ProSale& sale) const {
+LinePtrs ProDirectOs::SelectRowLines(const RuleRun& run, const LinePtrs& lines) const {
   LinePtrs pool;
   for (SalePlu* line : lines) {
     for (const PluCondition& row : LastToFirst(m_detail.Conditions())) {
-      if (!Same(row.PluCode, line->PluCode) || GetCalcCount(*line, Info, sale.Plus) <= 0) continue;
+      if (!Same(row.PluCode, line->PluCode) || run.OpenCount(*line) <= 0) continue;
       pool.push_back(line);
       break;
     }
@@ -86,54 +69,53 @@ LinePtrs ProDirectOs::SelectRowLines(const LinePtrs& lines, const ProSale& sale)
   return pool;
 }
 
-void ProDirectOs::DiscountByRow(const PluCondition& condition, const LinePtrs& pool, const DirectWork& work) {
+void ProDirectOs::DiscountByRow(RuleRun& run, const PluCondition& condition, const LinePtrs& pool) const {
   SetCount count;
   for (SalePlu* line : pool) {
     if (!Same(line->PluCode, condition.PluCode)) continue;
-    if (GetCalcCount(*line, Info, work.Sale.Plus) <= 0) continue;
+    if (run.OpenCount(*line) <= 0) continue;
     count.Sum += line->PluCount;
-    const bool limited = Same(Info.MaxYhType, LimitKind::kQuantity);
-    const double left = limited ? GetRuleLeftCount(Info.BillNo, Info.MaxYhValue, work.Sale.Plus) : 0;
     if (condition.MinNum > count.Sum) {
       count.Carry += line->PluCount;
-      continue;
+    } else if (!ApplyOsDiscount(run, condition, *line, count)) {
+      return;
     }
-    if (!ApplyOsDiscount(condition, *line, count, left, work)) return;
   }
 }
 
-/// @param left sets that the rule's limit by quantity still allows.
 /// @return false when the row's price is no gain on this line.
-bool ProDirectOs::ApplyOsDiscount(const PluCondition& condition, SalePlu& line, SetCount& count, double left,
-                                  const DirectWork& work) const {
+bool ProDirectOs::ApplyOsDiscount(RuleRun& run, const PluCondition& condition, SalePlu& line, SetCount& count) const {
   const PluAction& action = m_detail.ActionOf(condition);
-  const GivenBack earlier = GivenBackOn(line, Info);
-  const double units = count.Carry + line.PluCount - earlier.Quantity;
-  double sets = std::floor(Quotient(units, condition.MinNum));
-  if (Same(Info.MaxYhType, LimitKind::kQuantity) && left < sets) {
-    sets = left;
-    count.Carry = units - condition.MinNum * left;
-  } else {
-    count.Carry = TruncToInt32(units) % TruncToInt32(condition.MinNum);
-  }
+  const Taken earlier = TakenOn(line, [&](const ProResult& row) { return IsGivenBack(row, Info); });
+  const double left = GetRuleLeftCount(Info.BillNo, Info.MaxYhValue, run.Lines());
+  const double sets = TakeSets(condition, count.Carry + line.PluCount - earlier.Quantity, left, count);
   if (PrintsAsZero(sets)) return true;
 
   const double base = RoundMoney(Quotient(earlier.Money + line.Total, line.PluCount));
   const std::optional<UnitGain> gain = GainByAction(action, line, base);
   if (!gain) return false;
-  const double money = gain->Money * sets;
-  if (gain->ChangesLine) {
-    line.Total -= money;
-    line.FinalPrice = Quotient(line.Total, line.PluCount);
-    line.DisNum = sets;
-    count.Applied += sets;
-    work.Changed.push_back(line);
-  }
+  const Award award{sets, gain->Money * sets, action.DisPrice};
   // Always a row of its own, also where the rule has one on the line.
-  ProResult row(Info.BillNo, Info.Primary, Info.ProType, sets, money, action.DisPrice, money);
-  row.SetMember(work.VipType);
-  WriteResultRow(line, row);
+  if (gain->ChangesLine) {
+    line.DisNum = sets;
+    run.Give(line, award);
+  } else {
+    run.Record(line, award);
+  }
   return true;
+}
+
+/// The full sets among the units, as far as the rule's limit by quantity allows; what belongs to none carries over.
+///
+/// @param left sets that the limit still allows.
+double ProDirectOs::TakeSets(const PluCondition& condition, double units, double left, SetCount& count) const {
+  const double sets = std::floor(Quotient(units, condition.MinNum));
+  if (Same(Info.MaxYhType, LimitKind::kQuantity) && left < sets) {
+    count.Carry = units - condition.MinNum * left;
+    return left;
+  }
+  count.Carry = TruncToInt32(units) % TruncToInt32(condition.MinNum);
+  return sets;
 }
 
 }  // namespace Corvane

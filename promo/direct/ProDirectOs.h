@@ -7,7 +7,7 @@
 #include "promo/direct/DirectDetail.h"
 #include "rule/LineSelection.h"
 #include "rule/ProBase.h"
-#include "sale/ProSale.h"
+#include "rule/RuleRun.h"
 
 namespace Corvane {
 
@@ -21,21 +21,19 @@ class ProDirectOs : public ProBase {
 
   void InitRule(Text xml);
 
-  /// @param changed receives copies of the lines as they are discounted.
-  void CalcRule(ProSale& sale, std::vector<SalePlu>& changed);
+  void CalcRule(RuleRun& run);
 
  private:
   /// Units and sets of one row, running across the lines.
   struct SetCount {
-    double Sum = 0;      ///< units met so far
-    double Carry = 0;    ///< units that belong to no full set yet
-    double Applied = 0;  ///< sets given so far
+    double Sum = 0;    ///< units met so far
+    double Carry = 0;  ///< units that belong to no full set yet
   };
 
-  LinePtrs SelectRowLines(const LinePtrs& lines, const ProSale& sale) const;
-  void DiscountByRow(const PluCondition& condition, const LinePtrs& pool, const DirectWork& work);
-  bool ApplyOsDiscount(const PluCondition& condition, SalePlu& line, SetCount& count, double left,
-                       const DirectWork& work) const;
+  LinePtrs SelectRowLines(const RuleRun& run, const LinePtrs& lines) const;
+  void DiscountByRow(RuleRun& run, const PluCondition& condition, const LinePtrs& pool) const;
+  bool ApplyOsDiscount(RuleRun& run, const PluCondition& condition, SalePlu& line, SetCount& count) const;
+  double TakeSets(const PluCondition& condition, double units, double left, SetCount& count) const;
 
   DirectDetail m_detail;
   QnPosDBPro m_db;

@@ -5,7 +5,6 @@
 
 #include "promo/DetailQuery.h"
 #include "promo/Statement.h"
-#include "rule/EligibleQuantity.h"
 
 namespace Corvane {
 
@@ -70,14 +69,13 @@ bool LoadRuleConditions(QnPosDBPro& db, Text billNo, const std::vector<SalePlu>&
   return AppendRows(db, billNo, SelectOneRow(db, billNo), rows, error);
 }
 
-RuleLines SelectConditionLines(const ProInfo& rule, const std::vector<PluCondition>& rows,
-                               std::vector<SalePlu>& lines) {
-  if (!rows.empty()) return SelectRuleLines(rule, SplitRows(rows), lines);
+RuleLines SelectConditionLines(const RuleRun& run, const std::vector<PluCondition>& rows) {
+  if (!rows.empty()) return SelectRuleLines(run, SplitRows(rows));
   RuleLines all;
-  all.Lines = PointersTo(lines);
-  for (const SalePlu& line : lines) {
-    all.Money += GetLineLeftTotal(line, rule.Primary, rule.ProType);
-    all.Quantity += GetCalcCount(line, rule, lines);
+  all.Lines = PointersTo(run.Lines());
+  for (const SalePlu* line : all.Lines) {
+    all.Money += run.OpenMoney(*line);
+    all.Quantity += run.OpenCount(*line);
   }
   return all;
 }

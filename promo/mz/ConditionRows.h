@@ -6,8 +6,8 @@
 
 #include "db/QnPosDBPro.h"
 #include "rule/LineSelection.h"
-#include "rule/ProInfo.h"
 #include "rule/RuleRows.h"
+#include "rule/RuleRun.h"
 #include "sale/SaleRecords.h"
 
 namespace Corvane {
@@ -28,7 +28,7 @@ bool LoadRuleConditions(QnPosDBPro& db, Text billNo, const std::vector<SalePlu>&
                         QString& error);
 
 /// The lines that count, and what they bring: with rows those that the rows take, without rows all.
-RuleLines SelectConditionLines(const ProInfo& rule, const std::vector<PluCondition>& rows, std::vector<SalePlu>& lines);
+RuleLines SelectConditionLines(const RuleRun& run, const std::vector<PluCondition>& rows);
 
 }  // namespace Corvane
 

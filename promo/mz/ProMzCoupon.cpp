@@ -6,7 +6,6 @@
 #include "base/XmlFields.h"
 #include "engine/Log.h"
 #include "promo/mz/CouponDays.h"
-#include "promo/mz/ProportionalLimit.h"
 #include "promo/mz/Tiers.h"
 #include "rule/LineSelection.h"
 #include "rule/RuleReader.h"
@@ -57,34 +56,34 @@ void ProMzCoupon::ReadList(const TiXmlElement& group) {
   m_lists.push_back(std::move(list));
 }
 
-void ProMzCoupon::CalcRule(ProSale& sale) {
-  if (!sale.CanApplyToSale(Info.Primary, Info.BillNo) || !CheckBaseCondition(sale)) return;
+void ProMzCoupon::CalcRule(RuleRun& run) {
+  if (!run.MayActOnSale()) return;
   Log(Join("赠券方案个数", NumberOf(m_lists)));
   if (m_lists.empty()) return;
-  for (ProMzList& list : m_lists) CalcList(list, sale);
-  LimitInProportion(Info, sale);
+  for (ProMzList& list : m_lists) CalcList(run, list);
+  run.LimitProportionally();
 }
 
-void ProMzCoupon::CalcList(ProMzList& list, ProSale& sale) const {
+void ProMzCoupon::CalcList(RuleRun& run, ProMzList& list) const {
   Log(Join("赠券方案内的行为个数", NumberOf(list.Tiers)));
   if (list.Tiers.empty()) return;
   SortTiersDown(list.Tiers);
   double amount = 0;
   // The lines' money as it stands, not what is open of it.
-  if (Same(list.ConAreaType, ConditionArea::kWholeSale)) amount = sale.SaleTotal();
+  if (Same(list.ConAreaType, ConditionArea::kWholeSale)) amount = run.Sale().SaleTotal();
   if (Same(list.ConAreaType, ConditionArea::kChosenLines)) {
-    amount = SelectRuleLines(Info, SplitRows(list.Conditions), sale.Plus).Money;
+    amount = SelectRuleLines(run, SplitRows(list.Conditions)).Money;
     if (amount == 0) return;
   }
   Log(Join("赠券方案内满足的金额", FormatF6(amount)));
   const double sum = SumOfTiers(list, amount);
   if (sum <= 0) return;
-  const std::optional<double> value = GiveCoupons(sale, list, sum);
-  if (value) sale.SaleResults.emplace_back(Info.BillNo, Info.Primary, Info.ProType, 0, *value, 0, *value);
+  const std::optional<double> value = GiveCoupons(run.Sale(), list, sum);
+  if (value) run.RecordOnSale({0, *value}, Member::Untold);
 }
 
 /// The coupon value that an amount earns over the tiers of an offer.
-double ProMzCoupon::SumOfTiers(const ProMzList& list, double amount) const {
+double ProMzCoupon::SumOfTiers(const ProMzList& list, double amount) {
   double remainder = amount;
   double sum = 0;
   for (const PluAddAction& tier : list.Tiers) {

@@ -9,7 +9,7 @@
 
 #include "promo/mz/ProMzList.h"
 #include "rule/ProBase.h"
-#include "sale/ProSale.h"
+#include "rule/RuleRun.h"
 
 namespace Corvane {
 
@@ -25,15 +25,15 @@ class ProMzCoupon : public ProBase {
   /// Reads the groups "ProList", each of which is one offer, besides header and filters.
   void InitRule(Text xml);
 
-  void CalcRule(ProSale& sale);
+  void CalcRule(RuleRun& run);
 
  protected:
   std::vector<ProMzList> m_lists;  ///< offers, for the life of the rule
 
  private:
   void ReadList(const TiXmlElement& group);
-  void CalcList(ProMzList& list, ProSale& sale) const;
-  double SumOfTiers(const ProMzList& list, double amount) const;
+  void CalcList(RuleRun& run, ProMzList& list) const;
+  static double SumOfTiers(const ProMzList& list, double amount);
   std::optional<double> GiveCoupons(ProSale& sale, const ProMzList& list, double amount) const;
   SaleCoupon MakeCoupon(ProSale& sale, const CouponType& header, double value) const;
 };

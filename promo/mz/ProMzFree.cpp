@@ -11,8 +11,6 @@
 #include "promo/mz/Scheme.h"
 #include "promo/mz/TierGift.h"
 #include "promo/mz/Tiers.h"
-#include "rule/EligibleQuantity.h"
-#include "rule/MaxDiscount.h"
 #include "rule/RuleReader.h"
 #include "rule/Spreading.h"
 
@@ -31,136 +29,127 @@ bool ProMzFree::LoadRuleDetail(Text billNo, const std::vector<SalePlu>& lines, Q
          LoadScheme(m_db, billNo, scheme, m_tiers, error);
 }
 
-void ProMzFree::CalcRule(ProSale& sale) {
-  if (!sale.CanApplyToSale(Info.Primary, Info.BillNo) || !CheckBaseCondition(sale)) return;
+void ProMzFree::CalcRule(RuleRun& run) {
+  if (!run.MayActOnSale()) return;
   m_conditions.clear();
   m_tiers.clear();
   QString error;
   // Nothing changes the lines while rows are read, so the loader takes no copy of them.
-  if (!LoadRuleDetail(Info.BillNo, sale.Plus, error)) {
+  if (!LoadRuleDetail(Info.BillNo, run.Lines(), error)) {
     Log(QStringLiteral("计算商品直免促销失败") + error);
     return;
   }
   SortTiersDown(m_tiers);
-  Work work{sale, SelectConditionLines(Info, m_conditions, sale.Plus)};
+  Work work;
+  work.Area = SelectConditionLines(run, m_conditions);
   // Every tier has its turn, also one that a higher tier has already left goods to.
-  for (const PluAddAction& tier : m_tiers) CalcTier(tier, work);
+  for (const PluAddAction& tier : m_tiers) CalcTier(run, tier, work);
 
   SpreadOptions options;
-  options.WriteResult = false;
-  options.ByDisNum = true;
-  options.VipType = MemberText(sale);
-  SpreadOverLinePtrs(Info, work.Area.Lines, work.Given, work.Base, options);
-  LimitByMaxDiscount(Info, sale);
+  options.Part = PartBy::DisNum;
+  options.To = Rows::Apportions;
+  SpreadOverLinePtrs(run, work.Area.Lines, work.Given, work.Base, options);
+  run.Limit();
 }
 
-void ProMzFree::CalcTier(const PluAddAction& tier, Work& work) const {
-  const GiftGoods goods = FindGiftGoods(tier, work.Sale);
+void ProMzFree::CalcTier(RuleRun& run, const PluAddAction& tier, Work& work) const {
+  GiftGoods goods = FindGiftGoods(run, tier);
   if (goods.Money <= 0 || goods.Count <= 0) return;
-  const bool countsMoney = Same(tier.BaseConTp, TierUnit::kMoney);
-  const bool countsQuantity = Same(tier.BaseConTp, TierUnit::kQuantity);
-  if (!work.HasCondition && (countsMoney || countsQuantity)) {
+  const TierUnit unit = UnitOf(tier.BaseConTp);
+  if (!work.HasCondition && unit != TierUnit::Unknown) {
     // A later tier of the other unit works against the value in this unit.
     work.HasCondition = true;
-    work.Condition = countsMoney ? work.Area.Money : work.Area.Quantity;
+    work.Condition = unit == TierUnit::Money ? work.Area.Money : work.Area.Quantity;
   }
-  double goodsValue = countsMoney ? goods.Money : goods.Count;
-  if (!FreeFromTier(tier, goods, goodsValue, work)) return;
+  goods.Value = unit == TierUnit::Money ? goods.Money : goods.Count;
+  if (!FreeFromTier(run, tier, goods, work)) return;
   if (work.Condition > 0) {
     for (const PluAddAction& lower : TiersBehind(m_tiers, tier)) {
-      if (SharesGoods(lower, tier)) FreeFromTier(lower, goods, goodsValue, work);
+      if (SharesGoods(lower, tier)) FreeFromTier(run, lower, goods, work);
     }
   }
-  if (countsMoney) UseAreaByMoney(work);
-  if (countsQuantity) UseAreaByQuantity(work);
+  if (unit == TierUnit::Money) UseAreaByMoney(run, work);
+  if (unit == TierUnit::Quantity) UseAreaByQuantity(run, work);
 }
 
 /// The goods need not lie in the condition area. Only their code counts: no tier names a class.
-ProMzFree::GiftGoods ProMzFree::FindGiftGoods(const PluAddAction& tier, ProSale& sale) const {
+ProMzFree::GiftGoods ProMzFree::FindGiftGoods(const RuleRun& run, const PluAddAction& tier) {
   GiftGoods goods;
-  for (SalePlu& line : sale.Plus) {
+  for (SalePlu& line : run.Lines()) {
     if (!Same(line.PluCode, tier.PluCode)) continue;
     goods.Price = Quotient(line.Total, line.PluCount);
     goods.Lines.push_back(&line);
-    goods.Count += GetCalcCount(line, Info, sale.Plus);
-    goods.Money += GetLineLeftTotal(line, Info.Primary, Info.ProType);
+    goods.Count += run.OpenCount(line);
+    goods.Money += run.OpenMoney(line);
   }
   return goods;
 }
 
 /// Gives a tier's gift out of goods counted in the unit of its threshold, and writes it onto their lines.
 ///
-/// @param goodsValue in and out: what is left of the goods.
 /// @return false when the tier is not reached or has no goods left; nothing has changed then.
-bool ProMzFree::FreeFromTier(const PluAddAction& tier, const GiftGoods& goods, double& goodsValue, Work& work) const {
-  if (tier.BaseConNum > work.Condition || goodsValue == 0) return false;
-  const std::optional<TierGift> gift = GiftAtThreshold(tier, goodsValue, goods.Price);
+bool ProMzFree::FreeFromTier(RuleRun& run, const PluAddAction& tier, GiftGoods& goods, Work& work) {
+  if (tier.BaseConNum > work.Condition || goods.Value == 0) return false;
+  const std::optional<TierGift> gift = GiftAtThreshold(tier, goods.Value, goods.Price);
   if (!gift) return true;
 
-  const double cap = goodsValue > gift->Limit ? gift->Limit : goodsValue;
-  goodsValue -= gift->Amount;
+  const double cap = goods.Value > gift->Limit ? gift->Limit : goods.Value;
+  goods.Value -= gift->Amount;
   work.Condition -= tier.BaseConNum;
   double amount = gift->Amount;
-  FreeRepeated(CountSteps(tier, work.Condition), StepSizeOf(tier), gift->StepGift, cap, goodsValue, work.Condition,
+  FreeRepeated(CountSteps(tier, work.Condition), StepSizeOf(tier), gift->StepGift, cap, goods.Value, work.Condition,
                amount);
 
-  const bool countsQuantity = Same(tier.BaseConTp, TierUnit::kQuantity);
+  const bool countsQuantity = UnitOf(tier.BaseConTp) == TierUnit::Quantity;
   const double money = countsQuantity ? amount * goods.Price : amount;
   // Further steps counted in money raise the money given and not the quantity.
   const double quantity = countsQuantity ? amount : gift->Quantity;
   work.Given += money;
-  WriteGift(goods.Lines, quantity, money, MemberText(work.Sale));
+  WriteGift(run, goods.Lines, quantity, money);
   return true;
 }
 
-void ProMzFree::WriteGift(const LinePtrs& lines, double quantity, double money, Text vipType) const {
+void ProMzFree::WriteGift(RuleRun& run, const LinePtrs& lines, double quantity, double money) {
   for (SalePlu* line : lines) {
     if (!(money > 0)) return;
-    ProResult row;
-    row.ProBillNo = Info.BillNo;
-    row.Primary = Info.Primary;
-    row.ProType = Info.ProType;
-    row.SetMember(vipType);
     const bool leavesQuantity = quantity > line->PluCount;
     const bool leavesMoney = money > line->Total;
-    row.DisNum = leavesQuantity ? line->PluCount : quantity;
-    row.DisMoney = leavesMoney ? line->Total : money;
-    quantity = leavesQuantity ? quantity - row.DisNum : 0;
-    money = leavesMoney ? money - row.DisMoney : 0;
-    line->DisNum = row.DisNum;
-    line->Total -= row.DisMoney;
-    line->ProResults.push_back(row);
+    const Award award{leavesQuantity ? line->PluCount : quantity, leavesMoney ? line->Total : money};
+    quantity = leavesQuantity ? quantity - award.Quantity : 0;
+    money = leavesMoney ? money - award.Money : 0;
+    line->DisNum = award.Quantity;
+    run.Give(*line, award, Rows::Results);
   }
 }
 
-void ProMzFree::UseAreaByMoney(Work& work) const {
+void ProMzFree::UseAreaByMoney(const RuleRun& run, Work& work) {
   work.Base = 0;
   for (SalePlu* line : LastToFirst(work.Area.Lines)) {
-    work.Base += GetLineLeftTotal(*line, Info.Primary, Info.ProType);
+    work.Base += run.OpenMoney(*line);
     line->DisNum = line->PluCount;
   }
 }
 
 /// Moves what this tier used up of the condition into the lines' `DisNum`.
-void ProMzFree::UseAreaByQuantity(Work& work) const {
+void ProMzFree::UseAreaByQuantity(const RuleRun& run, Work& work) {
   work.Base = 0;
   if (work.Area.Lines.empty()) {
     work.Carried = -work.Condition;
     return;
   }
   double open = 0;
-  for (const SalePlu* line : LastToFirst(work.Area.Lines)) open += GetCalcCount(*line, Info, work.Sale.Plus);
+  for (const SalePlu* line : LastToFirst(work.Area.Lines)) open += run.OpenCount(*line);
   const double excess = open - work.Carried - work.Condition;
   work.Carried += excess;
-  TakeQuantity(excess, work);
+  TakeQuantity(run, work.Area.Lines, excess);
   for (const SalePlu* line : work.Area.Lines) work.Base += line->DisNum * line->FinalPrice;
 }
 
 /// Lets the lines take the quantity, from the first on.
-void ProMzFree::TakeQuantity(double excess, const Work& work) const {
-  for (SalePlu* line : work.Area.Lines) {
+void ProMzFree::TakeQuantity(const RuleRun& run, const LinePtrs& lines, double excess) {
+  for (SalePlu* line : lines) {
     if (!(excess > 0)) return;
-    const double difference = GetCalcCount(*line, Info, work.Sale.Plus) - line->DisNum;
+    const double difference = run.OpenCount(*line) - line->DisNum;
     if (difference == 0) continue;
     excess -= difference;
     // The line that takes the rest loses the quantity that it already had; that is the contract.

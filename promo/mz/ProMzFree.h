@@ -8,7 +8,7 @@
 #include "db/QnPosDBPro.h"
 #include "rule/LineSelection.h"
 #include "rule/ProBase.h"
-#include "sale/ProSale.h"
+#include "rule/RuleRun.h"
 
 namespace Corvane {
 
@@ -23,7 +23,7 @@ class ProMzFree : public ProBase {
   void InitRule(Text xml);
 
   /// A failure of the database leaves the sale untouched and is told in the log.
-  void CalcRule(ProSale& sale);
+  void CalcRule(RuleRun& run);
 
  private:
   /// The goods on the sale that a tier gives.
@@ -32,11 +32,11 @@ class ProMzFree : public ProBase {
     double Money = 0;
     double Count = 0;
     double Price = 0;  ///< unit price of the last of the lines
+    double Value = 0;  ///< what is left of them, in the unit of the tier's threshold
   };
 
   /// One calculation of the rule on a sale.
   struct Work {
-    ProSale& Sale;
     RuleLines Area;             ///< the condition lines
     bool HasCondition = false;  ///< the condition value is set once, by the first tier that gets that far
     double Condition = 0;       ///< what is left of the condition, in the unit of the tier that set it
@@ -46,13 +46,13 @@ class ProMzFree : public ProBase {
   };
 
   bool LoadRuleDetail(Text billNo, const std::vector<SalePlu>& lines, QString& error);
-  void CalcTier(const PluAddAction& tier, Work& work) const;
-  GiftGoods FindGiftGoods(const PluAddAction& tier, ProSale& sale) const;
-  bool FreeFromTier(const PluAddAction& tier, const GiftGoods& goods, double& goodsValue, Work& work) const;
-  void WriteGift(const LinePtrs& lines, double quantity, double money, Text vipType) const;
-  void UseAreaByMoney(Work& work) const;
-  void UseAreaByQuantity(Work& work) const;
-  void TakeQuantity(double excess, const Work& work) const;
+  void CalcTier(RuleRun& run, const PluAddAction& tier, Work& work) const;
+  static GiftGoods FindGiftGoods(const RuleRun& run, const PluAddAction& tier);
+  static bool FreeFromTier(RuleRun& run, const PluAddAction& tier, GiftGoods& goods, Work& work);
+  static void WriteGift(RuleRun& run, const LinePtrs& lines, double quantity, double money);
+  static void UseAreaByMoney(const RuleRun& run, Work& work);
+  static void UseAreaByQuantity(const RuleRun& run, Work& work);
+  static void TakeQuantity(const RuleRun& run, const LinePtrs& lines, double excess);
 
   std::vector<PluCondition> m_conditions;  ///< read anew for each sale
   std::vector<PluAddAction> m_tiers;       ///< read anew for each sale

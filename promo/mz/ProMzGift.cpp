@@ -5,7 +5,6 @@
 #include "engine/Log.h"
 #include "promo/Statement.h"
 #include "promo/mz/ConditionRows.h"
-#include "promo/mz/ProportionalLimit.h"
 #include "promo/mz/Scheme.h"
 #include "promo/mz/Tiers.h"
 #include "rule/RuleReader.h"
@@ -25,21 +24,21 @@ bool ProMzGift::LoadRuleDetail(Text billNo, const std::vector<SalePlu>& lines, Q
          LoadScheme(m_db, billNo, scheme, m_tiers, error);
 }
 
-void ProMzGift::CalcRule(ProSale& sale) {
+void ProMzGift::CalcRule(RuleRun& run) {
   Log("开始满减赠品计算");
-  if (!sale.CanApplyToSale(Info.Primary, Info.BillNo) || !CheckBaseCondition(sale)) return;
+  if (!run.MayActOnSale()) return;
   m_conditions.clear();
   m_tiers.clear();
   QString error;
   // Nothing changes the lines while rows are read, so the loader takes no copy of them.
-  if (!LoadRuleDetail(Info.BillNo, sale.Plus, error)) {
+  if (!LoadRuleDetail(Info.BillNo, run.Lines(), error)) {
     Log(QStringLiteral("计算满赠赠品促销失败") + error);
     return;
   }
   Log("满减赠品基本促销条件满足！");
   SortTiersDown(m_tiers);
-  OfferTiers(SelectConditionLines(Info, m_conditions, sale.Plus), sale);
-  LimitInProportion(Info, sale);
+  OfferTiers(SelectConditionLines(run, m_conditions), run.Sale());
+  run.LimitProportionally();
 }
 
 void ProMzGift::OfferTiers(const RuleLines& area, ProSale& sale) const {
@@ -50,8 +49,8 @@ void ProMzGift::OfferTiers(const RuleLines& area, ProSale& sale) const {
     const bool isOffered =
         std::any_of(offeredUnits.begin(), offeredUnits.end(), [&](Text unit) { return Same(unit, tier.BaseConTp); });
     if (isOffered) continue;
-    if (Same(tier.BaseConTp, TierUnit::kMoney)) value = area.Money;
-    if (Same(tier.BaseConTp, TierUnit::kQuantity)) value = area.Quantity;
+    if (UnitOf(tier.BaseConTp) == TierUnit::Money) value = area.Money;
+    if (UnitOf(tier.BaseConTp) == TierUnit::Quantity) value = area.Quantity;
     if (value < tier.BaseConNum) continue;
     sale.ProGifts.push_back(OffersFrom(tier, value));
     offeredUnits.push_back(tier.BaseConTp);

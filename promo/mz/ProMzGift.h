@@ -7,6 +7,7 @@
 #include "db/QnPosDBPro.h"
 #include "rule/LineSelection.h"
 #include "rule/ProBase.h"
+#include "rule/RuleRun.h"
 #include "sale/ProSale.h"
 
 namespace Corvane {
@@ -23,7 +24,7 @@ class ProMzGift : public ProBase {
 
   /// Leaves one group of offers in the sale for each unit of threshold ("SUM", "NUM") that was reached. A failure of
   /// the database leaves none and is told in the log.
-  void CalcRule(ProSale& sale);
+  void CalcRule(RuleRun& run);
 
  private:
   bool LoadRuleDetail(Text billNo, const std::vector<SalePlu>& lines, QString& error);

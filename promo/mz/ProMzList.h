@@ -5,6 +5,7 @@
 
 #include "base/Text.h"
 #include "rule/RuleRows.h"
+#include "rule/Spreading.h"
 #include "sale/SaleRecords.h"
 
 namespace Corvane {
@@ -27,7 +28,7 @@ struct ProMzList {
   CouponType Coupon;                              ///< the kind of coupon given
   std::vector<CouponDenomination> Denominations;  ///< face values into which a coupon sum is cut
 
-  bool SetsFinalPrice() const { return Same(DscIntoPlu, "1"); }
+  FinalPrice Price() const { return Same(DscIntoPlu, "1") ? FinalPrice::Follows : FinalPrice::Stays; }
 };
 
 }  // namespace Corvane

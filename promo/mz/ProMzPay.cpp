@@ -7,7 +7,7 @@
 #include "base/XmlFields.h"
 #include "engine/Log.h"
 #include "promo/mz/Tiers.h"
-#include "rule/EligibleQuantity.h"
+#include "rule/LineSelection.h"
 #include "rule/RuleReader.h"
 #include "rule/Spreading.h"
 
@@ -45,9 +45,9 @@ void ReadCardRanges(const TiXmlElement& group, Text billNo, std::vector<CardNoFi
   }
 }
 
-double OpenMoney(const ProInfo& rule, const ProSale& sale) {
+double OpenMoney(const RuleRun& run) {
   double open = 0;
-  for (const SalePlu& line : sale.Plus) open += GetLineLeftTotal(line, rule.Primary, rule.ProType);
+  for (const SalePlu& line : run.Lines()) open += run.OpenMoney(line);
   return open;
 }
 
@@ -68,26 +68,26 @@ void ProMzPay::ReadOwnGroup(const TiXmlElement& group) {
 }
 
 /// Unlike the other full-amount types this one doesn't ask whether rules may still act on the sale.
-void ProMzPay::CalcRule(ProSale& sale) {
-  if (!CheckBaseCondition(sale)) {
+void ProMzPay::CalcRule(RuleRun& run) {
+  if (!run.MeetsConditions()) {
     Log("基本条件不满足，再检查！");
     return;
   }
-  const Text vipType = MemberText(sale);
-  const std::optional<PayLines> goods = SelectPayLines(m_conditions, sale.Plus);
+  const std::optional<PayLines> goods = SelectPayLines(m_conditions, run.Lines());
   if (!goods) return;
-  if (m_control.WholeBillPay && sale.Pays.size() > 1) return;
+  if (m_control.WholeBillPay && run.Sale().Pays.size() > 1) return;
 
   std::stable_sort(m_steps.begin(), m_steps.end(), [](const PluAction& left, const PluAction& right) {
     return SortsBefore(left.DisPrice, right.DisPrice);
   });
   // A payment above what can still be discounted counts only as far as that.
-  const Reduction reduction = WalkSteps(std::min(PaySum(sale), OpenMoney(Info, sale)), goods->Money);
+  const Reduction reduction = WalkSteps(std::min(PaySum(run.Sale()), OpenMoney(run)), goods->Money);
   if (reduction.Given == 0) return;
-  WriteSaleResult(reduction, vipType, sale);
-  WriteLineResults(reduction, vipType, sale);
+  const double wholePay = reduction.Left + reduction.Used;
+  run.RecordOnSale({wholePay - reduction.Given, reduction.Given, wholePay, reduction.Used}, Member::Told);
+  SpreadPayReduction(run, reduction.Given, reduction.Used);
   // The first sale-level row decides, whatever rule wrote it.
-  if (sale.SaleResults.front().YhMoney > 0) ApportionRecords(Info, goods->Lines, reduction.Given, Info.BillNo);
+  if (run.Sale().SaleResults.front().YhMoney > 0) ApportionRecords(run, goods->Lines, reduction.Given);
 }
 
 double ProMzPay::PaySum(const ProSale& sale) const {
@@ -135,40 +135,6 @@ ProMzPay::Reduction ProMzPay::TakeStep(const Reduction& taken, double price, dou
   used.Add(rounds);
   left.Add(rounds);
   return {given.Value(), used.Value(), left.Value()};
-}
-
-ProResult ProMzPay::NewRow(Text vipType) const {
-  ProResult row;
-  row.ProBillNo = Info.BillNo;
-  row.Primary = Info.Primary;
-  row.ProType = Info.ProType;
-  row.SetMember(vipType);
-  return row;
-}
-
-void ProMzPay::WriteSaleResult(const Reduction& reduction, Text vipType, ProSale& sale) const {
-  const double wholePay = reduction.Left + reduction.Used;
-  ProResult row = NewRow(vipType);
-  row.DisNum = wholePay - reduction.Given;
-  row.DisMoney = reduction.Given;
-  row.NewPrice = wholePay;
-  row.YhMoney = reduction.Given;
-  row.BaseMoney = reduction.Used;
-  sale.SaleResults.push_back(row);
-}
-
-void ProMzPay::WriteLineResults(const Reduction& reduction, Text vipType, ProSale& sale) const {
-  const double whole = sale.SaleTotal();
-  double rest = reduction.Given;
-  for (SalePlu& line : LastToFirst(sale.Plus)) {
-    ProResult row = NewRow(vipType);
-    row.DisMoney = CeilToCents(Quotient(reduction.Given * line.Total, whole));
-    row.BaseMoney = Quotient(line.Total * reduction.Used, whole);
-    rest -= row.DisMoney;
-    // The sale's first line comes last and takes what the rounding left, so that the rows add up.
-    if (&line == &sale.Plus.front()) row.DisMoney += rest;
-    line.ProResults.push_back(row);
-  }
 }
 
 std::optional<PayLines> SelectPayLines(const std::vector<PluCondition>& conditions, std::vector<SalePlu>& lines) {

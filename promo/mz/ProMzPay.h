@@ -9,7 +9,7 @@
 
 #include "rule/LineSelection.h"
 #include "rule/ProBase.h"
-#include "sale/ProSale.h"
+#include "rule/RuleRun.h"
 
 namespace Corvane {
 
@@ -43,7 +43,7 @@ class ProMzPay : public ProBase {
   /// Reads the groups "PluCondition", "ProCtr", "CardNoFilter" and "PluAction" besides header and filters.
   void InitRule(Text xml);
 
-  void CalcRule(ProSale& sale);
+  void CalcRule(RuleRun& run);
 
  private:
   /// What the steps make of a payment.
@@ -57,9 +57,6 @@ class ProMzPay : public ProBase {
   double PaySum(const ProSale& sale) const;
   Reduction WalkSteps(double paySum, double goodsMoney) const;
   static Reduction TakeStep(const Reduction& taken, double price, double gain, double ceiling);
-  ProResult NewRow(Text vipType) const;
-  void WriteSaleResult(const Reduction& reduction, Text vipType, ProSale& sale) const;
-  void WriteLineResults(const Reduction& reduction, Text vipType, ProSale& sale) const;
 
   std::vector<PluCondition> m_conditions;  ///< goods that must be bought
   /// `DisPrice` is the money paid that a step takes, `DisRate` what the customer pays of it in the end.

@@ -11,8 +11,7 @@
 #include "promo/mz/TierColumns.h"
 #include "promo/mz/TierGift.h"
 #include "promo/mz/Tiers.h"
-#include "rule/EligibleQuantity.h"
-#include "rule/MaxDiscount.h"
+#include "rule/LineSelection.h"
 #include "rule/RuleReader.h"
 #include "rule/Spreading.h"
 
@@ -40,9 +39,67 @@ std::vector<PluCondition> ConditionOf(const PluAddAction& tier) {
 
 /// What the chosen lines bring, in the unit of the tier's threshold. An unknown unit brings nothing.
 double ValueFor(const PluAddAction& tier, const RuleLines& chosen) {
-  if (Same(tier.BaseConTp, TierUnit::kMoney)) return chosen.Money;
-  if (Same(tier.BaseConTp, TierUnit::kQuantity)) return chosen.Quantity;
+  switch (UnitOf(tier.BaseConTp)) {
+    case TierUnit::Money:
+      return chosen.Money;
+    case TierUnit::Quantity:
+      return chosen.Quantity;
+    case TierUnit::Unknown:
+      break;
+  }
   return 0;
+}
+
+/// The chosen goods of a tier on their way through it and the lower tiers of the same goods.
+struct Giving {
+  double Price = 0;  ///< mean unit price of the goods
+  double Value = 0;  ///< what is left of them, in the unit of the threshold
+  double Given = 0;  ///< money given
+};
+
+/// Gives a tier's gift. @return false when the tier is not reached; nothing has changed then.
+bool GiveFromTier(const PluAddAction& tier, Giving& giving) {
+  if (tier.BaseConNum > giving.Value) return false;
+  const TierUnit unit = UnitOf(tier.BaseConTp);
+  if (unit == TierUnit::Unknown) return true;
+  // The threshold itself is paid for: the gift comes out of what lies above it.
+  const double rest = giving.Value - tier.BaseConNum;
+  double amount = 0;
+  if (const std::optional<TierGift> gift = GiftAtThreshold(tier, rest, giving.Price)) {
+    double left = rest - gift->Amount;
+    amount = gift->Amount;
+    GiveRepeated(CountSteps(tier, left), StepSizeOf(tier), gift->StepGift, gift->Limit, left, amount);
+    giving.Value = left;
+  }
+  giving.Given += unit == TierUnit::Quantity ? amount * giving.Price : amount;
+  return true;
+}
+
+void TakeFromLastLine(const RuleRun& run, const PluAddAction& tier, SalePlu& line, double left) {
+  const TierUnit unit = UnitOf(tier.BaseConTp);
+  if (unit == TierUnit::Quantity) {
+    const double open = run.OpenCount(line);
+    line.DisNum = line.PluCount > left ? open - left : line.PluCount;
+  } else if (unit == TierUnit::Money) {
+    line.DisNum = line.PluCount;
+  }
+}
+
+/// Sets `DisNum`, the quantity that the rule takes, on the chosen lines. What it didn't use up stays on the last line.
+///
+/// @param left what is left of the value.
+/// @return the money of what is taken, at `FinalPrice`.
+double TakeFromLines(const RuleRun& run, const PluAddAction& tier, const LinePtrs& lines, double left) {
+  double base = 0;
+  for (SalePlu* line : LastToFirst(lines)) {
+    if (line == lines.back()) {
+      TakeFromLastLine(run, tier, *line, left);
+    } else {
+      line->DisNum = line->PluCount;
+    }
+    base += line->DisNum * line->FinalPrice;
+  }
+  return base;
 }
 
 }  // namespace
@@ -69,94 +126,42 @@ bool ProMzPlu::Holds(const PluAddAction& tier) const {
   });
 }
 
-void ProMzPlu::CalcRule(ProSale& sale) {
-  if (!sale.CanApplyToSale(Info.Primary, Info.BillNo) || !CheckBaseCondition(sale)) return;
+void ProMzPlu::CalcRule(RuleRun& run) {
+  if (!run.MayActOnSale()) return;
   m_tiers.clear();
   QString error;
   // Nothing changes the lines while rows are read, so the loader takes no copy of them.
-  if (!LoadRuleDetail(Info.BillNo, sale.Plus, error)) {
+  if (!LoadRuleDetail(Info.BillNo, run.Lines(), error)) {
     Log(QStringLiteral("计算单品赠送促销失败") + error);
     return;
   }
   SortTiersDown(m_tiers);
-  const LinePtrs singleLines = SelectSingleLines(sale.Plus);
+  const LinePtrs singleLines = SelectSingleLines(run.Lines());
   // Every tier has its turn, also one that a higher tier has already left goods to.
   for (const PluAddAction& tier : m_tiers) {
-    // A sale of packages only ends the rule here, its ceiling included.
+    // A sale of packages only ends the rule here, its limit included.
     if (singleLines.empty()) return;
-    CalcTier(tier, singleLines, sale);
+    CalcTier(run, tier, singleLines);
   }
-  LimitByMaxDiscount(Info, sale);
+  run.Limit();
 }
 
-void ProMzPlu::CalcTier(const PluAddAction& tier, const LinePtrs& singleLines, ProSale& sale) const {
+void ProMzPlu::CalcTier(RuleRun& run, const PluAddAction& tier, const LinePtrs& singleLines) const {
   const std::vector<PluCondition> condition = ConditionOf(tier);
   // Nothing changes the lines while they are chosen, so their quantities are counted on the sale's own.
-  const RuleLines chosen = SelectRuleLinePtrs(Info, SplitRows(condition), singleLines, sale.Plus);
-  const double meanPrice = Quotient(chosen.Money, chosen.Quantity);
-  double value = ValueFor(tier, chosen);
-  double gift = 0;
-  if (!GiveFromTier(tier, meanPrice, value, gift)) return;
-  if (value > 0) {
+  const RuleLines chosen = SelectRuleLinePtrs(run, SplitRows(condition), singleLines);
+  Giving giving{Quotient(chosen.Money, chosen.Quantity), ValueFor(tier, chosen)};
+  if (!GiveFromTier(tier, giving)) return;
+  if (giving.Value > 0) {
     // Whether a lower tier is reached doesn't matter to the one behind it.
     for (const PluAddAction& lower : TiersBehind(m_tiers, tier)) {
-      if (SharesGoods(lower, tier)) GiveFromTier(lower, meanPrice, value, gift);
+      if (SharesGoods(lower, tier)) GiveFromTier(lower, giving);
     }
   }
-  const double base = TakeFromLines(tier, chosen.Lines, value, sale);
+  const double base = TakeFromLines(run, tier, chosen.Lines, giving.Value);
   SpreadOptions options;
-  options.ByDisNum = true;
-  options.VipType = MemberText(sale);
-  SpreadOverLinePtrs(Info, chosen.Lines, gift, base, options);
-}
-
-/// Gives a tier's gift out of a value counted in the unit of its threshold.
-///
-/// @param value in and out: what is left of the chosen goods.
-/// @param given in and out: the money given.
-/// @return false when the tier is not reached; nothing has changed then.
-bool ProMzPlu::GiveFromTier(const PluAddAction& tier, double price, double& value, double& given) const {
-  if (tier.BaseConNum > value) return false;
-  const bool countsQuantity = Same(tier.BaseConTp, TierUnit::kQuantity);
-  if (!countsQuantity && !Same(tier.BaseConTp, TierUnit::kMoney)) return true;
-  // The threshold itself is paid for: the gift comes out of what lies above it.
-  const double rest = value - tier.BaseConNum;
-  double amount = 0;
-  if (const std::optional<TierGift> gift = GiftAtThreshold(tier, rest, price)) {
-    double left = rest - gift->Amount;
-    amount = gift->Amount;
-    GiveRepeated(CountSteps(tier, left), StepSizeOf(tier), gift->StepGift, gift->Limit, left, amount);
-    value = left;
-  }
-  given += countsQuantity ? amount * price : amount;
-  return true;
-}
-
-/// Sets `DisNum`, the quantity that the rule takes, on the chosen lines. What it didn't use up stays on the last line.
-///
-/// @param left what is left of the value.
-/// @return the money of what is taken, at `FinalPrice`.
-double ProMzPlu::TakeFromLines(const PluAddAction& tier, const LinePtrs& lines, double left,
-                               const ProSale& sale) const {
-  double base = 0;
-  for (SalePlu* line : LastToFirst(lines)) {
-    if (line == lines.back()) {
-      TakeFromLastLine(tier, *line, left, sale);
-    } else {
-      line->DisNum = line->PluCount;
-    }
-    base += line->DisNum * line->FinalPrice;
-  }
-  return base;
-}
-
-void ProMzPlu::TakeFromLastLine(const PluAddAction& tier, SalePlu& line, double left, const ProSale& sale) const {
-  if (Same(tier.BaseConTp, TierUnit::kQuantity)) {
-    const double open = GetCalcCount(line, Info, sale.Plus);
-    line.DisNum = line.PluCount > left ? open - left : line.PluCount;
-  } else if (Same(tier.BaseConTp, TierUnit::kMoney)) {
-    line.DisNum = line.PluCount;
-  }
+  options.Part = PartBy::DisNum;
+  SpreadOverLinePtrs(run, chosen.Lines, giving.Given, base, options);
 }
 
 void GiveRepeated(std::int32_t count, double step, double stepGift, double cap, double& value, double& given) {

@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "db/QnPosDBPro.h"
-#include "rule/LineSelection.h"
+#include "rule/LinePtrs.h"
 #include "rule/ProBase.h"
-#include "sale/ProSale.h"
+#include "rule/RuleRun.h"
 
 namespace Corvane {
 
@@ -23,16 +23,13 @@ class ProMzPlu : public ProBase {
   void InitRule(Text xml);
 
   /// A failure of the database leaves the sale untouched and is told in the log.
-  void CalcRule(ProSale& sale);
+  void CalcRule(RuleRun& run);
 
  private:
   bool LoadRuleDetail(Text billNo, const std::vector<SalePlu>& lines, QString& error);
   bool LoadTiersOfLine(Text billNo, const SalePlu& line, QString& error);
   bool Holds(const PluAddAction& tier) const;
-  void CalcTier(const PluAddAction& tier, const LinePtrs& singleLines, ProSale& sale) const;
-  bool GiveFromTier(const PluAddAction& tier, double price, double& value, double& given) const;
-  double TakeFromLines(const PluAddAction& tier, const LinePtrs& lines, double left, const ProSale& sale) const;
-  void TakeFromLastLine(const PluAddAction& tier, SalePlu& line, double left, const ProSale& sale) const;
+  void CalcTier(RuleRun& run, const PluAddAction& tier, const LinePtrs& singleLines) const;
 
   std::vector<PluAddAction> m_tiers;  ///< read anew for each sale
   QnPosDBPro m_db;

@@ -12,10 +12,10 @@
 #include "promo/mz/ConditionRows.h"
 #include "promo/mz/TierQuery.h"
 #include "promo/mz/Tiers.h"
-#include "rule/EligibleQuantity.h"
 #include "rule/LineSelection.h"
-#include "rule/MaxDiscount.h"
+#include "rule/ResultRows.h"
 #include "rule/RuleReader.h"
+#include "rule/Spreading.h"
 
 namespace Corvane {
 
@@ -44,6 +44,12 @@ constexpr RowField<PluAddAction> kTierColumns[] = {
     {"AddDscMoney", TierColumn::Double<&PluAddAction::AddDscNum>},
     {"SaleMaxIn", TierColumn::Double<&PluAddAction::SaleMaxIn>},
 };
+
+/// What the rule gives on the line so far.
+double GivenOn(const RuleRun& run, const SalePlu& line) {
+  const ProResult* const row = FindResult(line, run.Info().BillNo);
+  return row != nullptr ? row->DisMoney : 0;
+}
 
 }  // namespace
 
@@ -76,53 +82,52 @@ bool ProMzReduce::LoadTiers(Text billNo, Text listCode, std::vector<PluAddAction
   });
 }
 
-void ProMzReduce::CalcRule(ProSale& sale) {
-  if (!sale.CanApplyToSale(Info.Primary, Info.BillNo) || !CheckBaseCondition(sale)) return;
+void ProMzReduce::CalcRule(RuleRun& run) {
+  if (!run.MayActOnSale()) return;
   m_lists.clear();
   QString error;
   // Nothing changes the lines while rows are read, so the loader takes no copy of them.
-  if (!LoadRuleDetail(Info.BillNo, sale.Plus, error)) {
+  if (!LoadRuleDetail(Info.BillNo, run.Lines(), error)) {
     Log(QStringLiteral("计算满减促销失败") + error);
     return;
   }
-  for (ProMzList& list : m_lists) CalcList(list, sale);
-  LimitByMaxDiscount(Info, sale);
+  for (ProMzList& list : m_lists) CalcList(run, list);
+  run.Limit();
 }
 
-void ProMzReduce::CalcList(ProMzList& list, ProSale& sale) const {
+void ProMzReduce::CalcList(RuleRun& run, ProMzList& list) {
   if (list.Tiers.empty()) return;
   SortTiersDown(list.Tiers);
-  SpreadOptions options;
-  options.SetFinalPrice = list.SetsFinalPrice();
-  options.VipType = MemberText(sale);
-  if (Same(list.ConAreaType, ConditionArea::kWholeSale)) ReduceWholeSale(list, sale, options);
-  if (Same(list.ConAreaType, ConditionArea::kChosenLines)) ReduceChosenLines(list, sale, options);
+  if (Same(list.ConAreaType, ConditionArea::kWholeSale)) ReduceWholeSale(run, list);
+  if (Same(list.ConAreaType, ConditionArea::kChosenLines)) ReduceChosenLines(run, list);
 }
 
-void ProMzReduce::ReduceWholeSale(const ProMzList& list, ProSale& sale, const SpreadOptions& options) const {
+void ProMzReduce::ReduceWholeSale(RuleRun& run, const ProMzList& list) {
   double amount = 0;
-  for (const SalePlu& line : LastToFirst(sale.Plus)) amount += GetLineLeftTotal(line, Info.Primary, Info.ProType);
+  for (const SalePlu& line : LastToFirst(run.Lines())) amount += run.OpenMoney(line);
   const double sum = SumOfTiers(list, amount);
   if (!(sum > 0)) return;
 
   // This spreading leaves the lines' amounts to this type: each falls by what the rule's row on it gained, the rounding
   // tail included.
   std::vector<double> held;
-  for (const SalePlu& line : sale.Plus) held.push_back(GivenOn(line));
-  SpreadOverLines(Info, sale.Plus, sum, amount, options);
+  for (const SalePlu& line : run.Lines()) held.push_back(GivenOn(run, line));
+  SpreadOverLines(run, sum, amount, list.Price());
   auto heldBefore = held.begin();
-  for (SalePlu& line : sale.Plus) line.Total -= GivenOn(line) - *heldBefore++;
+  for (SalePlu& line : run.Lines()) run.LowerTotal(line, GivenOn(run, line) - *heldBefore++);
 }
 
-void ProMzReduce::ReduceChosenLines(const ProMzList& list, ProSale& sale, const SpreadOptions& options) const {
-  const RuleLines chosen = SelectRuleLines(Info, SplitRows(list.Conditions), sale.Plus);
+void ProMzReduce::ReduceChosenLines(RuleRun& run, const ProMzList& list) {
+  const RuleLines chosen = SelectRuleLines(run, SplitRows(list.Conditions));
   if (chosen.Money == 0) return;
   const double sum = SumOfTiers(list, chosen.Money);
-  if (sum > 0) SpreadOverLinePtrs(Info, chosen.Lines, sum, chosen.Money, options);
+  SpreadOptions options;
+  options.Price = list.Price();
+  if (sum > 0) SpreadOverLinePtrs(run, chosen.Lines, sum, chosen.Money, options);
 }
 
 /// What an amount brings over the tiers of an offer.
-double ProMzReduce::SumOfTiers(const ProMzList& list, double amount) const {
+double ProMzReduce::SumOfTiers(const ProMzList& list, double amount) {
   double remainder = amount;
   double sum = 0;
   for (const PluAddAction& tier : list.Tiers) {
@@ -133,11 +138,6 @@ double ProMzReduce::SumOfTiers(const ProMzList& list, double amount) const {
     remainder = tier.AddConNum == 0 ? std::max(left, 0.0) : left;
   }
   return sum;
-}
-
-double ProMzReduce::GivenOn(const SalePlu& line) const {
-  const ProResult* row = FindResult(line, Info.BillNo);
-  return row != nullptr ? row->DisMoney : 0;
 }
 
 }  // namespace Corvane

@@ -7,8 +7,7 @@
 #include "db/QnPosDBPro.h"
 #include "promo/mz/ProMzList.h"
 #include "rule/ProBase.h"
-#include "rule/Spreading.h"
-#include "sale/ProSale.h"
+#include "rule/RuleRun.h"
 
 namespace Corvane {
 
@@ -23,16 +22,15 @@ class ProMzReduce : public ProBase {
   void InitRule(Text xml);
 
   /// A failure of the database leaves the sale untouched and is told in the log.
-  void CalcRule(ProSale& sale);
+  void CalcRule(RuleRun& run);
 
  private:
   bool LoadRuleDetail(Text billNo, const std::vector<SalePlu>& lines, QString& error);
   bool LoadTiers(Text billNo, Text listCode, std::vector<PluAddAction>& tiers, QString& error);
-  void CalcList(ProMzList& list, ProSale& sale) const;
-  void ReduceWholeSale(const ProMzList& list, ProSale& sale, const SpreadOptions& options) const;
-  void ReduceChosenLines(const ProMzList& list, ProSale& sale, const SpreadOptions& options) const;
-  double SumOfTiers(const ProMzList& list, double amount) const;
-  double GivenOn(const SalePlu& line) const;
+  static void CalcList(RuleRun& run, ProMzList& list);
+  static void ReduceWholeSale(RuleRun& run, const ProMzList& list);
+  static void ReduceChosenLines(RuleRun& run, const ProMzList& list);
+  static double SumOfTiers(const ProMzList& list, double amount);
 
   std::vector<ProMzList> m_lists;  ///< offers, read anew for each sale
   QnPosDBPro m_db;

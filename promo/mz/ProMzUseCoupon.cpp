@@ -5,6 +5,7 @@
 #include "base/Numbers.h"
 #include "base/Walk.h"
 #include "promo/mz/Tiers.h"
+#include "rule/LineSelection.h"
 #include "rule/Spreading.h"
 
 namespace Corvane {
@@ -19,42 +20,41 @@ double PresentedValue(const ProSale& sale) {
 
 }  // namespace
 
-void ProMzUseCoupon::CalcRule(ProSale& sale) {
-  if (!sale.CanApplyToSale(Info.Primary, Info.BillNo) || !CheckBaseCondition(sale)) return;
-  for (ProMzList& list : m_lists) CalcList(list, sale);
+void ProMzUseCoupon::CalcRule(RuleRun& run) {
+  if (!run.MayActOnSale()) return;
+  for (ProMzList& list : m_lists) CalcList(run, list);
 }
 
-void ProMzUseCoupon::CalcList(ProMzList& list, ProSale& sale) const {
+void ProMzUseCoupon::CalcList(RuleRun& run, ProMzList& list) {
   if (list.Tiers.empty()) return;
   SortTiersDown(list.Tiers);
   if (Same(list.ConAreaType, ConditionArea::kChosenLines)) {
-    const RuleLines chosen = SelectRuleLines(Info, SplitRows(list.Conditions), sale.Plus);
-    if (chosen.Money != 0) TakeCoupons(list, chosen.Money, chosen.Lines, sale);
+    const RuleLines chosen = SelectRuleLines(run, SplitRows(list.Conditions));
+    if (chosen.Money != 0) TakeCoupons(run, list, chosen.Money, chosen.Lines);
   } else {
     const bool isWholeSale = Same(list.ConAreaType, ConditionArea::kWholeSale);
-    TakeCoupons(list, isWholeSale ? sale.SaleTotal() : 0, {}, sale);
+    TakeCoupons(run, list, isWholeSale ? run.Sale().SaleTotal() : 0, {});
   }
 }
 
 /// Takes in as much coupon value as the tiers allow. All coupons of the sale are gone then, needed or not.
-void ProMzUseCoupon::TakeCoupons(const ProMzList& list, double amount, const LinePtrs& chosen, ProSale& sale) const {
+void ProMzUseCoupon::TakeCoupons(RuleRun& run, const ProMzList& list, double amount, const LinePtrs& chosen) {
   const double allowed = SumOfTiers(list, amount);
-  const double value = std::min(PresentedValue(sale), allowed);
+  const double value = std::min(PresentedValue(run.Sale()), allowed);
   if (!(value > 0)) return;
-  sale.Coupons.clear();
-  sale.SaleResults.emplace_back(Info.BillNo, Info.Primary, Info.ProType, 0, value, 0, value);
-
-  SpreadOptions options;
-  options.SetFinalPrice = list.SetsFinalPrice();
-  options.VipType = MemberText(sale);
+  run.Sale().Coupons.clear();
+  run.RecordOnSale({0, value}, Member::Untold);
   // In an area of no known name coupons are taken in and nothing is spread.
-  if (Same(list.ConAreaType, ConditionArea::kWholeSale)) SpreadOverLines(Info, sale.Plus, value, amount, options);
-  if (Same(list.ConAreaType, ConditionArea::kChosenLines)) SpreadOverLinePtrs(Info, chosen, value, amount, options);
+  if (Same(list.ConAreaType, ConditionArea::kWholeSale)) SpreadOverLines(run, value, amount, list.Price());
+  if (!Same(list.ConAreaType, ConditionArea::kChosenLines)) return;
+  SpreadOptions options;
+  options.Price = list.Price();
+  SpreadOverLinePtrs(run, chosen, value, amount, options);
 }
 
 /// What an amount allows over the tiers of an offer. Remainder and sum are held in single precision and rounded to it
 /// at every step; what they are compared with and reckoned from stays in double precision.
-float ProMzUseCoupon::SumOfTiers(const ProMzList& list, double amount) const {
+float ProMzUseCoupon::SumOfTiers(const ProMzList& list, double amount) {
   float remainder = ToSingle(amount);
   float sum = 0;
   for (const PluAddAction& tier : list.Tiers) {

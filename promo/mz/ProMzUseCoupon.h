@@ -2,8 +2,8 @@
 #define QNCORVANE_PROMO_MZ_PROMZUSECOUPON_H
 
 #include "promo/mz/ProMzCoupon.h"
-#include "rule/LineSelection.h"
-#include "sale/ProSale.h"
+#include "rule/LinePtrs.h"
+#include "rule/RuleRun.h"
 
 namespace Corvane {
 
@@ -15,12 +15,12 @@ namespace Corvane {
 /// nothing.
 class ProMzUseCoupon : public ProMzCoupon {
  public:
-  void CalcRule(ProSale& sale);
+  void CalcRule(RuleRun& run);
 
  private:
-  void CalcList(ProMzList& list, ProSale& sale) const;
-  void TakeCoupons(const ProMzList& list, double amount, const LinePtrs& chosen, ProSale& sale) const;
-  float SumOfTiers(const ProMzList& list, double amount) const;
+  static void CalcList(RuleRun& run, ProMzList& list);
+  static void TakeCoupons(RuleRun& run, const ProMzList& list, double amount, const LinePtrs& chosen);
+  static float SumOfTiers(const ProMzList& list, double amount);
 };
 
 }  // namespace Corvane

@@ -35,15 +35,14 @@ TierGift QuantityByMoney(const PluAddAction& tier, double pool, double price) {
 }  // namespace
 
 std::optional<TierGift> GiftAtThreshold(const PluAddAction& tier, double pool, double price) {
-  const bool givesQuantity = Same(tier.BaseDscTp, TierUnit::kQuantity);
-  if (!givesQuantity && !Same(tier.BaseDscTp, TierUnit::kMoney)) return std::nullopt;
-  if (Same(tier.BaseConTp, TierUnit::kQuantity)) {
+  const TierUnit counted = UnitOf(tier.BaseConTp);
+  const TierUnit given = UnitOf(tier.BaseDscTp);
+  if (counted == TierUnit::Unknown || given == TierUnit::Unknown) return std::nullopt;
+  const bool givesQuantity = given == TierUnit::Quantity;
+  if (counted == TierUnit::Quantity) {
     return givesQuantity ? QuantityByQuantity(tier, pool) : MoneyByQuantity(tier, pool, price);
   }
-  if (Same(tier.BaseConTp, TierUnit::kMoney)) {
-    return givesQuantity ? QuantityByMoney(tier, pool, price) : MoneyByMoney(tier, pool);
-  }
-  return std::nullopt;
+  return givesQuantity ? QuantityByMoney(tier, pool, price) : MoneyByMoney(tier, pool);
 }
 
 std::int32_t CountSteps(const PluAddAction& tier, double amount) {

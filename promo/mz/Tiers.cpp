@@ -23,6 +23,11 @@ double AddUpTo(double cap, std::int64_t count, RepeatedSum sum) {
 
 void LogTooManyRepeats(Text billNo) { Log(Join("重复次数过多，该方案不参与计算，促销单号：", billNo)); }
 
+TierUnit UnitOf(Text word) {
+  if (Same(word, "SUM")) return TierUnit::Money;
+  return Same(word, "NUM") ? TierUnit::Quantity : TierUnit::Unknown;
+}
+
 void SortTiersDown(std::vector<PluAddAction>& tiers) {
   std::stable_sort(tiers.begin(), tiers.end(), [](const PluAddAction& left, const PluAddAction& right) {
     return SortsBefore(right.BaseConNum, left.BaseConNum);

@@ -14,11 +14,11 @@ namespace Corvane {
 // What the walks through tiers have in common. A tier is reached at its threshold, gives its base sum once, and gives
 // its step sum for each further step that fits.
 
-/// The units of thresholds and gifts.
-namespace TierUnit {
-constexpr Text kMoney = "SUM";
-constexpr Text kQuantity = "NUM";
-}  // namespace TierUnit
+/// The unit of a threshold or a gift.
+enum class TierUnit { Money, Quantity, Unknown };
+
+/// @param word "SUM" for money, "NUM" for quantity.
+TierUnit UnitOf(Text word);
 
 /// Logs that an offer of the rule would never come to an end and gives nothing.
 void LogTooManyRepeats(Text billNo);

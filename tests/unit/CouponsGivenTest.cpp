@@ -35,7 +35,8 @@ class CouponsGiven : public ::testing::Test {
     line.SaleDate = "2026-11-21";
     line.SaleTime = "10:20:30";
     sale.Plus.push_back(line);
-    rule.CalcRule(sale);
+    RuleRun run(rule, sale);
+    rule.CalcRule(run);
     return sale;
   }
 
@@ -122,7 +123,8 @@ TEST_F(CouponsGiven, ThoseOfSeveralRulesAreAllKept) {
   Calculate(rule, sale);
   ProMzCoupon other = Rule("20", "", "Q2");
   other.Info.Primary = "DJ";
-  other.CalcRule(sale);
+  RuleRun run(other, sale);
+  other.CalcRule(run);
 
   EXPECT_EQ(ValuesOf(sale), (std::vector<std::string>{"10.000000", "20.000000"}));
   EXPECT_STREQ(sale.GivenCoupons.front().BillNo, "Q1");

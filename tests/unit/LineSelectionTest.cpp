@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "rule/ResultRows.h"
 #include "rule/RuleRows.h"
 #include "tests/unit/RuleFixture.h"
 
@@ -15,6 +16,7 @@ using Corvane::LinePtrs;
 using Corvane::PluCondition;
 using Corvane::ProInfo;
 using Corvane::RowPtrs;
+using Corvane::RowsBy;
 using Corvane::RuleLines;
 using Corvane::SalePlu;
 using Corvane::SplitRows;
@@ -134,37 +136,39 @@ TEST(SplitRowsByKind, ARowThatNeitherIncludesNorExcludesIsInNoList) {
 
 class OutsideLines : public testing::Test {
  protected:
-  Codes Outside(const Conditions& conditions, Text word) {
+  Codes Outside(const Conditions& conditions, RowsBy by) {
     RowPtrs rows;
     for (const PluCondition& condition : conditions) rows.push_back(&condition);
-    return CodesOf(Corvane::SelectOutsideLines(rows, Corvane::PointersTo(m_lines), word));
+    return CodesOf(Corvane::SelectOutsideLines(rows, Corvane::PointersTo(m_lines), by));
   }
 
   Lines m_lines = {Classed("G1", "CAT", "C1"), Classed("G2", "CAT", "C2"), Classed("G3", "BRD", "C1")};
 };
 
 TEST_F(OutsideLines, WithoutRowsAreAll) {
-  EXPECT_EQ(Outside({}, "PLU"), (Codes{"G1", "G2", "G3"}));
-  EXPECT_EQ(Outside({}, ""), (Codes{"G1", "G2", "G3"}));
+  EXPECT_EQ(Outside({}, RowsBy::Goods), (Codes{"G1", "G2", "G3"}));
+  EXPECT_EQ(Outside({}, RowsBy::Class), (Codes{"G1", "G2", "G3"}));
 }
 
-TEST_F(OutsideLines, ForTheWordPluAreNotNamedByGoodsCode) {
-  EXPECT_EQ(Outside({Condition("NOT", "PLU", "G2"), Condition("NOT", "PLU", "G9")}, "PLU"), (Codes{"G1", "G3"}));
+TEST_F(OutsideLines, ByGoodsAreNotNamedByGoodsCode) {
+  EXPECT_EQ(Outside({Condition("NOT", "PLU", "G2"), Condition("NOT", "PLU", "G9")}, RowsBy::Goods),
+            (Codes{"G1", "G3"}));
 }
 
-TEST_F(OutsideLines, ForTheWordPluTheTypeOfTheRowDoesNotMatter) {
-  EXPECT_EQ(Outside({Condition("NOT", "CAT", "G2"), Condition("NOT", "CAT", "C1")}, "PLU"), (Codes{"G1", "G3"}));
+TEST_F(OutsideLines, ByGoodsTheTypeOfTheRowDoesNotMatter) {
+  EXPECT_EQ(Outside({Condition("NOT", "CAT", "G2"), Condition("NOT", "CAT", "C1")}, RowsBy::Goods),
+            (Codes{"G1", "G3"}));
 }
 
-TEST_F(OutsideLines, ForAnotherWordAreNotNamedByClass) {
-  EXPECT_EQ(Outside({Condition("NOT", "CAT", "C1")}, ""), (Codes{"G2", "G3"}));
-  EXPECT_EQ(Outside({Condition("NOT", "CAT", "C1")}, "BRD"), (Codes{"G2", "G3"}));
-  EXPECT_EQ(Outside({Condition("NOT", "CAT", "C1"), Condition("NOT", "CAT", "C2"), Condition("NOT", "BRD", "C1")}, ""),
+TEST_F(OutsideLines, ByClassAreNotNamedByClass) {
+  EXPECT_EQ(Outside({Condition("NOT", "CAT", "C1")}, RowsBy::Class), (Codes{"G2", "G3"}));
+  EXPECT_EQ(Outside({Condition("NOT", "CAT", "C1"), Condition("NOT", "CAT", "C2"), Condition("NOT", "BRD", "C1")},
+                    RowsBy::Class),
             Codes{});
 }
 
-TEST_F(OutsideLines, ForAnotherWordAGoodsCodeNamesNothing) {
-  EXPECT_EQ(Outside({Condition("NOT", "PLU", "G1")}, ""), (Codes{"G1", "G2", "G3"}));
+TEST_F(OutsideLines, ByClassAGoodsCodeNamesNothing) {
+  EXPECT_EQ(Outside({Condition("NOT", "PLU", "G1")}, RowsBy::Class), (Codes{"G1", "G2", "G3"}));
 }
 
 // --- The lines of a full-amount rule ---------------------------------------------------------------------------------
@@ -173,7 +177,13 @@ class SelectedLines : public ruletest::WithLog {
  protected:
   RuleLines Select(const Conditions& rows) { return Select(rows, Rule("R1", "MZZM", "PT")); }
   RuleLines Select(const Conditions& rows, const ProInfo& rule) {
-    return Corvane::SelectRuleLines(rule, SplitRows(rows), m_lines);
+    ruletest::RuleOnSale sale(rule, m_lines);
+    return Corvane::SelectRuleLines(sale.Run(), SplitRows(rows));
+  }
+
+  RuleLines SelectAmong(const LinePtrs& lines, const Conditions& rows, const ProInfo& rule) {
+    ruletest::RuleOnSale sale(rule, m_lines);
+    return Corvane::SelectRuleLinePtrs(sale.Run(), SplitRows(rows), lines);
   }
 
   /// Three lines of 10.00, 2 pieces for 20.00, 3 pieces for 30.00.
@@ -317,7 +327,7 @@ TEST_F(SelectedLines, AmongSomeLinesTheLimitCountsOverAllOfThem) {
   rule.MaxYhType = "2";
   rule.MaxYhValue = 4;
   const Conditions rows = {Condition("IN", "PLU", "G3")};
-  const RuleLines taken = Corvane::SelectRuleLinePtrs(rule, SplitRows(rows), {&m_lines[1], &m_lines.back()}, m_lines);
+  const RuleLines taken = SelectAmong({&m_lines[1], &m_lines.back()}, rows, rule);
   EXPECT_EQ(taken.Lines, (LinePtrs{&m_lines.back()}));
   EXPECT_EQ(taken.Quantity, 1);
   EXPECT_EQ(taken.Money, 30);
@@ -326,8 +336,7 @@ TEST_F(SelectedLines, AmongSomeLinesTheLimitCountsOverAllOfThem) {
 TEST_F(SelectedLines, AmongSomeLinesOnlyThoseAreSieved) {
   const Conditions rows = {Condition("IN", "PLU", "G1"), Condition("IN", "PLU", "G2"), Condition("IN", "PLU", "G3"),
                            Condition("NOT", "PLU", "G2")};
-  const RuleLines taken =
-      Corvane::SelectRuleLinePtrs(Rule("R1", "MZZM", "PT"), SplitRows(rows), {&m_lines.back(), &m_lines[1]}, m_lines);
+  const RuleLines taken = SelectAmong({&m_lines.back(), &m_lines[1]}, rows, Rule("R1", "MZZM", "PT"));
   EXPECT_EQ(taken.Lines, (LinePtrs{&m_lines.back()}));
 }
 

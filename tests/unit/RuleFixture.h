@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "base/Text.h"
-#include "rule/ProInfo.h"
+#include "rule/RuleRun.h"
 #include "sale/SaleRecords.h"
 
 namespace ruletest {
@@ -99,8 +99,40 @@ inline Corvane::ProInfo Rule(Corvane::Text billNo, Corvane::Text proType, Corvan
 /// What another rule left on a line.
 inline Corvane::ProResult Row(Corvane::Text billNo, Corvane::Text proType, Corvane::Text primary, double disNum,
                               double disMoney = 0, double baseMoney = 0) {
-  return {billNo, primary, proType, disNum, disMoney, 0, disMoney, baseMoney};
+  Corvane::ProResult row;
+  row.ProBillNo = billNo;
+  row.Primary = primary;
+  row.ProType = proType;
+  row.DisNum = disNum;
+  row.DisMoney = disMoney;
+  row.BaseMoney = baseMoney;
+  row.YhMoney = disMoney;
+  return row;
 }
+
+/// A rule on a sale of its own. The rule acts for a member when it is given a member type.
+class RuleOnSale {
+ public:
+  RuleOnSale(const Corvane::ProInfo& info, std::vector<Corvane::SalePlu>& lines, Corvane::Text vipType = "")
+      : m_lines(lines) {
+    m_rule.Info = info;
+    m_sale.Plus.swap(m_lines);
+    if (Corvane::IsEmpty(vipType)) return;
+    m_rule.Vips.emplace_back();
+    m_sale.Vips.emplace_back();
+    m_sale.Vips.back().VipType = vipType;
+  }
+  ~RuleOnSale() { m_sale.Plus.swap(m_lines); }
+  RuleOnSale(const RuleOnSale&) = delete;
+  RuleOnSale& operator=(const RuleOnSale&) = delete;
+
+  Corvane::RuleRun Run() { return {m_rule, m_sale}; }
+
+ private:
+  std::vector<Corvane::SalePlu>& m_lines;  ///< given back with what became of them
+  Corvane::ProBase m_rule;
+  Corvane::ProSale m_sale;
+};
 
 }  // namespace ruletest
 

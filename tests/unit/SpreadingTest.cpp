@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "rule/LineSelection.h"
 #include "tests/unit/RuleFixture.h"
 
 using Corvane::Apportion;
@@ -80,7 +81,9 @@ Lines ThreeOfTen() { return {Line("G1", 10, 1), Line("G2", 10, 1), Line("G3", 10
 class ApportionByValue : public ruletest::WithLog {
  protected:
   void Apportion(Text proType, double money) {
-    Corvane::ApportionRecords(Rule("R1", proType, "PT"), Corvane::PointersTo(m_lines), money, "R1");
+    ruletest::RuleOnSale sale(Rule("R1", proType, "PT"), m_lines);
+    Corvane::RuleRun run = sale.Run();
+    Corvane::ApportionRecords(run, Corvane::PointersTo(run.Lines()), money);
   }
 
   Lines m_lines = ThreeOfTen();
@@ -208,7 +211,11 @@ TEST_F(ApportionByValue, LogsFromTheLastLineToTheFirst) {
 // The second time round its row stands: it weighs 20 in all, and its row takes 10 * 10 / 20.
 TEST_F(ApportionByValue, ALineThatStandsTwiceInTheListWeighsTwice) {
   Lines lines = {Line("G1", 10, 1)};
-  Corvane::ApportionRecords(Rule("R1", "MZZF", "PT"), {&lines.front(), &lines.front()}, 10, "R1");
+  {
+    ruletest::RuleOnSale sale(Rule("R1", "MZZF", "PT"), lines);
+    Corvane::RuleRun run = sale.Run();
+    Corvane::ApportionRecords(run, {&run.Lines().front(), &run.Lines().front()}, 10);
+  }
   ASSERT_EQ(lines[0].Apportions.size(), 1U);
   EXPECT_EQ(lines[0].Apportions[0].AppMoney(), 5);
   EXPECT_EQ(Logged(), (Entries{"不存在已有分摊记录，创建分摊记录", "已有分摊记录"}));
@@ -220,11 +227,14 @@ class SpreadOverChosen : public testing::Test {
  protected:
   void Spread(Text proType, double money, double base) { Spread(Rule("R1", proType, "PT"), money, base); }
   void Spread(const ProInfo& rule, double money, double base) {
-    Corvane::SpreadOverLinePtrs(rule, Corvane::PointersTo(m_lines), money, base, m_options);
+    ruletest::RuleOnSale sale(rule, m_lines, m_vipType);
+    Corvane::RuleRun run = sale.Run();
+    Corvane::SpreadOverLinePtrs(run, Corvane::PointersTo(run.Lines()), money, base, m_options);
   }
 
   Lines m_lines = ThreeOfTen();
   SpreadOptions m_options;
+  Text m_vipType = "";
 };
 
 // 10 / 30 * 10 = 3.3333 is cut to 3.33 on each. Their sum of 9.99 leaves a tail of 0.01.
@@ -288,7 +298,7 @@ TEST_F(SpreadOverChosen, WritesTheSameRowToTheApportionList) {
 }
 
 TEST_F(SpreadOverChosen, AMemberTypeMarksTheRows) {
-  m_options.VipType = "01";
+  m_vipType = "01";
   Spread("MZMJ", 9, 30);
   EXPECT_TRUE(m_lines[0].ProResults.at(0).IsVip);
   EXPECT_STREQ(m_lines[0].ProResults.at(0).VipType, "01");
@@ -434,7 +444,7 @@ TEST_F(SpreadOverChosen, AQuantityIsRoundedUpInSinglePrecision) {
 TEST_F(SpreadOverChosen, TheBaseOfARowIsQuantityAtFinalPrice) {
   m_lines = {Line("G1", 10, 3)};
   m_lines[0].FinalPrice = 9;
-  m_options.SetFinalPrice = true;
+  m_options.Price = Corvane::FinalPrice::Follows;
   Spread("MZMJ", 6, 30);
   EXPECT_EQ(m_lines[0].ProResults.at(0).BaseMoney, 27);
   EXPECT_EQ(m_lines[0].ProResults.at(0).NewPrice, 8);
@@ -445,14 +455,14 @@ TEST_F(SpreadOverChosen, TheFinalPriceIsSetOnDemandOnly) {
   Spread("MZMJ", 9, 30);
   ExpectNumbers(FinalPrices(m_lines), {10, 10, 10});
   m_lines = ThreeOfTen();
-  m_options.SetFinalPrice = true;
+  m_options.Price = Corvane::FinalPrice::Follows;
   Spread("MZMJ", 9, 30);
   ExpectNumbers(FinalPrices(m_lines), {7, 7, 7});
 }
 
 // The tail doesn't come into the price: (10 - 3.33) / 1.
 TEST_F(SpreadOverChosen, TheFinalPriceDoesNotSeeTheTail) {
-  m_options.SetFinalPrice = true;
+  m_options.Price = Corvane::FinalPrice::Follows;
   Spread("MZMJ", 10, 30);
   ExpectNumbers(FinalPrices(m_lines), {6.67, 6.67, 6.67});
 }
@@ -499,7 +509,7 @@ TEST_F(SpreadOverChosen, OfOtherTypesTheLinesKeepWhatTheyHoldReady) {
 class SpreadByDisNum : public SpreadOverChosen {
  protected:
   SpreadByDisNum() {
-    m_options.ByDisNum = true;
+    m_options.Part = Corvane::PartBy::DisNum;
     m_lines = {Line("G1", 10, 3), Line("G2", 10, 1)};
     m_lines[0].DisNum = 2;
     m_lines[1].DisNum = 1;
@@ -536,7 +546,7 @@ TEST_F(SpreadByDisNum, ALineThatHoldsNothingReadyGetsNothing) {
 }
 
 TEST_F(SpreadByDisNum, TheFinalPriceStays) {
-  m_options.SetFinalPrice = true;
+  m_options.Price = Corvane::FinalPrice::Follows;
   Spread("MZDP", 6, 30);
   ExpectNumbers(FinalPrices(m_lines), {10, 10});
 }
@@ -592,7 +602,7 @@ TEST_F(SpreadOverChosen, MoneyThatNoLineTakesIsTail) {
 
 class SpreadWithoutResults : public SpreadOverChosen {
  protected:
-  SpreadWithoutResults() { m_options.WriteResult = false; }
+  SpreadWithoutResults() { m_options.To = Corvane::Rows::Apportions; }
 };
 
 TEST_F(SpreadWithoutResults, OnlyApportionRowsAreWritten) {
@@ -621,11 +631,14 @@ TEST_F(SpreadWithoutResults, TheTailLowersTheTotalWhereAResultStands) {
 class SpreadOverSale : public testing::Test {
  protected:
   void Spread(Text proType, double money, double base) {
-    Corvane::SpreadOverLines(Rule("R1", proType, "PT"), m_lines, money, base, m_options);
+    ruletest::RuleOnSale sale(Rule("R1", proType, "PT"), m_lines, m_vipType);
+    Corvane::RuleRun run = sale.Run();
+    Corvane::SpreadOverLines(run, money, base, m_options.Price);
   }
 
   Lines m_lines = ThreeOfTen();
   SpreadOptions m_options;
+  Text m_vipType = "";
 };
 
 // 30 * 10 / 30 = 10 stand on each line; 10 / 30 * 10 is cut to 3.33, and 0.01 is left.
@@ -657,7 +670,7 @@ TEST_F(SpreadOverSale, OfOtherTypesLowersTheTotalsByTheSharesAndNotByTheTail) {
 
 TEST_F(SpreadOverSale, WritesARow) {
   m_lines = {Line("G1", 10, 2)};
-  m_options.VipType = "01";
+  m_vipType = "01";
   Spread("MZMJ", 5, 20);
   ASSERT_EQ(m_lines[0].ProResults.size(), 1U);
   const ProResult& row = m_lines[0].ProResults[0];
@@ -729,7 +742,7 @@ TEST_F(SpreadOverSale, TheFinalPriceIsSetOnDemandOnly) {
   Spread("MZMJ", 9, 30);
   ExpectNumbers(FinalPrices(m_lines), {10, 10, 10});
   m_lines = ThreeOfTen();
-  m_options.SetFinalPrice = true;
+  m_options.Price = Corvane::FinalPrice::Follows;
   Spread("MZMJ", 10, 30);
   ExpectNumbers(FinalPrices(m_lines), {6.67, 6.67, 6.67});
 }
@@ -771,14 +784,6 @@ TEST_F(SpreadOverSale, LinesWhoseTotalsSumToAHairGetNothing) {
   Spread("MZMJ", 10, 0.3);
   ExpectNumbers(ResultMoneys(m_lines), {});
   ExpectNumbers(Totals(m_lines), {0.1, 0.2, -0.3});
-}
-
-TEST_F(SpreadOverSale, RowsGoToBothListsWhateverTheOptionsSay) {
-  m_options.WriteResult = false;
-  m_options.ByDisNum = true;
-  Spread("MZMJ", 9, 30);
-  ExpectNumbers(ResultMoneys(m_lines), {3, 3, 3});
-  ExpectNumbers(ApportionMoneys(m_lines), {3, 3, 3});
 }
 
 // --- Over the whole sale: where the tail lands -----------------------------------------------------------------------

@@ -1,8 +1,9 @@
 // The line discount of the price-setting rules.
-#include "rule/LineDiscount.h"
+#include "rule/ActionPrice.h"
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <vector>
 
 #include "tests/unit/RuleFixture.h"
@@ -50,7 +51,11 @@ class LineDiscount : public ruletest::WithLog {
   }
 
   bool Apply(const PluAction& action, double limit = 0) {
-    return Corvane::ApplyLineDiscount(action, limit, m_line, m_applied, m_rule, m_changed, m_vipType, m_lines);
+    ruletest::RuleOnSale sale(m_rule, m_lines, m_vipType);
+    Corvane::Allowance allowance{limit, m_applied};
+    m_taken = sale.Run().Discount(m_line, action, allowance);
+    m_applied = allowance.Applied;
+    return m_taken.has_value();
   }
 
   void ExpectUntouched() const {
@@ -59,13 +64,13 @@ class LineDiscount : public ruletest::WithLog {
     EXPECT_EQ(m_line.DisNum, 0);
     EXPECT_TRUE(m_line.ProResults.empty());
     EXPECT_TRUE(m_line.Apportions.empty());
-    EXPECT_TRUE(m_changed.empty());
+    EXPECT_EQ(m_taken.value_or(0), 0);
   }
 
   ProInfo m_rule;
   SalePlu m_line = Line("G1", 10, 3);
   std::vector<SalePlu> m_lines;
-  std::vector<SalePlu> m_changed;
+  std::optional<double> m_taken;
   double m_applied = 0;
   Text m_vipType = "";
 };
@@ -117,7 +122,7 @@ TEST_F(LineDiscount, AQuantityBelowZeroGivesNothing) {
   for (const PluAction& action : {SetPrice(8), Percent(80), Less(1)}) EXPECT_FALSE(Apply(action));
   EXPECT_EQ(m_line.Total, before.Total);
   EXPECT_EQ(m_line.ProResults.size(), 1U);
-  EXPECT_TRUE(m_changed.empty());
+  EXPECT_FALSE(m_taken.has_value());
 }
 
 // 0.7 - 0.71 is -0.010000000000000009: a cent, and not less than one.
@@ -211,7 +216,7 @@ TEST_F(LineDiscount, AnUnknownKindOfPriceLeavesTheLineAloneAndWritesItsRow) {
     EXPECT_EQ(m_line.FinalPrice, 10);
     EXPECT_EQ(m_line.DisNum, 0);
     EXPECT_EQ(m_applied, 0);
-    EXPECT_TRUE(m_changed.empty());
+    EXPECT_EQ(m_taken.value_or(0), 0);
     ASSERT_EQ(m_line.ProResults.size(), 1U);
     EXPECT_EQ(m_line.ProResults[0].DisNum, 3);
     EXPECT_EQ(m_line.ProResults[0].DisMoney, 0);
@@ -298,22 +303,9 @@ TEST_F(LineDiscount, OfTwoRowsOfTheRuleTheFirstIsAddedTo) {
   EXPECT_TRUE(m_line.Apportions.empty());
 }
 
-TEST_F(LineDiscount, HandsOutACopyOfTheLineBeforeItsRowIsWritten) {
-  EXPECT_TRUE(Apply(SetPrice(8)));
-  ASSERT_EQ(m_changed.size(), 1U);
-  EXPECT_STREQ(m_changed[0].PluCode, "G1");
-  EXPECT_EQ(m_changed[0].Total, 24);
-  EXPECT_EQ(m_changed[0].FinalPrice, 8);
-  EXPECT_EQ(m_changed[0].DisNum, 3);
-  EXPECT_TRUE(m_changed[0].ProResults.empty());
-  EXPECT_TRUE(m_changed[0].Apportions.empty());
-}
-
-TEST_F(LineDiscount, AppendsItsCopies) {
-  m_changed = {Line("G9", 1, 1)};
-  EXPECT_TRUE(Apply(SetPrice(8)));
-  ASSERT_EQ(m_changed.size(), 2U);
-  EXPECT_STREQ(m_changed[0].PluCode, "G9");
+TEST_F(LineDiscount, AnswersWithTheQuantityTaken) {
+  EXPECT_TRUE(Apply(SetPrice(8), 2));
+  EXPECT_EQ(m_taken, 2);
 }
 
 // --- The base price --------------------------------------------------------------------------------------------------
@@ -389,7 +381,7 @@ TEST_F(LineDiscount, WithNoOpenQuantityGivesNothing) {
   EXPECT_FALSE(Apply(SetPrice(8)));
   EXPECT_EQ(m_line.Total, 30);
   EXPECT_EQ(m_line.ProResults.size(), 1U);
-  EXPECT_TRUE(m_changed.empty());
+  EXPECT_FALSE(m_taken.has_value());
 }
 
 TEST_F(LineDiscount, ALineOfNoQuantityGivesNothing) {
