@@ -24,7 +24,7 @@
 #include <vector>
 
 #include "engine/CalcPromotion.h"
-#include "engine/Log.h"
+#include "log/Log.h"
 #include "engine/SaleCalls.h"
 
 namespace {

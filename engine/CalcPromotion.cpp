@@ -3,10 +3,12 @@
 #include "base/Numbers.h"
 #include "db/Connection.h"
 #include "engine/Driver.h"
-#include "engine/Log.h"
+#include "engine/HostBuffer.h"
 #include "engine/ProState.h"
 #include "engine/Promotion.h"
-#include "engine/StatusText.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
+#include "log/StatusText.h"
 #include "sale/ProSale.h"
 #include "sale/SaleReader.h"
 
@@ -16,9 +18,9 @@ namespace {
 
 /// @return the text that refuses the call for an absent argument, or null. The key is asked for first.
 Text MissingArgument(Text key, Text mode, Text xml) {
-  if (IsEmpty(key)) return "销售单主键为空！";
-  if (IsEmpty(mode)) return "计算方式为空！";
-  if (IsEmpty(xml)) return "销售单为空！";
+  if (IsEmpty(key)) return AnswerText::kNoKey;
+  if (IsEmpty(mode)) return AnswerText::kNoMode;
+  if (IsEmpty(xml)) return AnswerText::kNoSale;
   return nullptr;
 }
 
@@ -32,9 +34,9 @@ std::int32_t Calculate(Text key, Text mode, Text xml, char* out, char* msg) {
   const DatabaseCall call(Promotion::Instance().Database().Shared());
   ProSale& sale = ProSale::Create(key);
   std::int32_t lineIndex = 0;
-  ReadSale(sale, xml, msg, lineIndex);
-  Log("初始化流水完成");
-  if (Promotion::Instance().Rules().empty()) CopyText(msg, "促销模型为空");
+  if (!ReadSale(sale, xml, lineIndex)) CopyText(msg, StatusText(Status::UnknownError));
+  Log(LogText::kSaleRead);
+  if (Promotion::Instance().Rules().empty()) CopyText(msg, AnswerText::kNoRules);
   const ModeStep run = FindMode(mode);
   return run != nullptr ? run({sale, lineIndex, out, msg}) : RefuseMode(msg);
 }
@@ -50,7 +52,7 @@ std::int32_t CalcPromotion(Text key, Text mode, Text xml, char* out, char* msg) 
   }
   try {
     const auto rules = static_cast<std::int32_t>(Promotion::Instance().Rules().size());
-    LogPieces({OrEmpty(key), ":", FormatI(rules), "\n"});
+    Log(OrEmpty(key), ":", FormatI(rules), "\n");
     if (const Text missing = MissingArgument(key, mode, xml)) {
       CopyText(msg, missing);
       return -1;

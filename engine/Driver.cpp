@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <iterator>
 
-#include "engine/Log.h"
+#include "engine/HostBuffer.h"
 #include "engine/Promotion.h"
-#include "engine/StatusText.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
+#include "log/StatusText.h"
 #include "promo/RuleTable.h"
 #include "promo/mz/GiftChoice.h"
 #include "rule/RuleType.h"
@@ -30,7 +32,7 @@ bool RunsOnSale(const ProInfo& rule, const ProSale& sale) {
 /// The test with its trace in the log.
 bool IsSkipped(const ProInfo& rule, const ProSale& sale) {
   if (RunsOnSale(rule, sale)) return false;
-  Log("跳过促销");
+  Log(LogText::kRuleSkipped);
   Log(OrEmpty(rule.BillNo));
   return true;
 }
@@ -57,8 +59,21 @@ void RunPass(ProSale& sale, Text primary, Pass pass) {
   }
 }
 
+/// Hands a result over to the host. A result that can't be written leaves the host's buffer as it was.
+template <class Writer>
+std::int32_t HandOver(const Calculation& calculation, Writer write) {
+  try {
+    CopyText(calculation.Out, write());
+    CopyText(calculation.Msg, StatusText(Status::Success));
+    return 0;
+  } catch (...) {
+    CopyText(calculation.Msg, StatusText(Status::WriteFailed));
+    return -1;
+  }
+}
+
 std::int32_t WriteResult(const Calculation& calculation) {
-  return WriteSale(calculation.Sale, calculation.Sale.Plus, calculation.Out, calculation.Msg);
+  return HandOver(calculation, [&] { return SaleXml(calculation.Sale); });
 }
 
 // --- Modes for line promotions ---------------------------------------------------------------------------------------
@@ -76,13 +91,13 @@ std::int32_t RunSingle(const Calculation& calculation) {
     RuleRun run(*limit, sale);
     limit->CalcRuleOnLine(run, line);
   }
-  return WriteLine(sale.OrgCode, line, calculation.Out, calculation.Msg);
+  return HandOver(calculation, [&] { return LineXml(sale.OrgCode, line); });
 }
 
 /// "DZ" rules meet the sale twice, by themselves and with all others: it is for their stacking to see that the second
 /// visit gives nothing more.
 std::int32_t RunAll(const Calculation& calculation) {
-  Log("计算模式为ALL时");
+  Log(LogText::kModeAll);
   calculation.Sale.ResetResults();
   RunPass(calculation.Sale, StackingClass::kDz, Pass::Combination);
   RunPass(calculation.Sale, StackingClass::kDz, Pass::Ordinary);
@@ -92,7 +107,7 @@ std::int32_t RunAll(const Calculation& calculation) {
 }
 
 std::int32_t RunUnion(const Calculation& calculation) {
-  Log("计算模式为Union时");
+  Log(LogText::kModeUnion);
   calculation.Sale.ResetResults();
   RunPass(calculation.Sale, StackingClass::kDz, Pass::Combination);
   RunPass(calculation.Sale, StackingClass::kDz, Pass::Ordinary);
@@ -101,7 +116,7 @@ std::int32_t RunUnion(const Calculation& calculation) {
 }
 
 std::int32_t RunZh(const Calculation& calculation) {
-  Log("计算模式为Zh时");
+  Log(LogText::kModeZh);
   calculation.Sale.ResetResults();
   RunPass(calculation.Sale, kEveryClass, Pass::Combination);
   return WriteResult(calculation);
@@ -123,7 +138,7 @@ std::int32_t RefuseGiftChoice(std::int32_t answer, char* msg) {
 /// The cashier's gift choice. What the picks use up runs over all rules together. A choice that doesn't fit is answered
 /// without a result, and the offers keep their values.
 std::int32_t RunGift(const Calculation& calculation) {
-  Log("赠品返回数据计算");
+  Log(LogText::kModeGift);
   ProSale& sale = calculation.Sale;
   double used = 0;
   for (const RulePtr& rule : Promotion::Instance().Rules()) {
@@ -136,13 +151,13 @@ std::int32_t RunGift(const Calculation& calculation) {
 
 /// Payments are known. There is no skip test here and in the use of coupons.
 std::int32_t RunPay(const Calculation& calculation) {
-  Log("进入Pay节");
+  Log(LogText::kModePay);
   for (const RulePtr& rule : Promotion::Instance().Rules()) RunStep(*rule, calculation.Sale, Pass::Pay);
   return WriteResult(calculation);
 }
 
 std::int32_t RunCoupon(const Calculation& calculation) {
-  Log("满赠用券");
+  Log(LogText::kModeCoupon);
   // There is no test of the type here: every rule of the class that takes coupons does, also one that gives them too.
   for (const RulePtr& rule : Promotion::Instance().Rules()) {
     auto* const coupons = std::get_if<ProMzUseCoupon>(rule.get());

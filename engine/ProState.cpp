@@ -1,5 +1,7 @@
 #include "engine/ProState.h"
 
+#include "engine/HostBuffer.h"
+
 #include <algorithm>
 #include <iterator>
 

@@ -6,7 +6,7 @@
 #include "base/NeverDestroyed.h"
 #include "base/ProError.h"
 #include "base/Text.h"
-#include "engine/StatusText.h"
+#include "log/StatusText.h"
 
 namespace Corvane {
 

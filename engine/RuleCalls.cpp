@@ -6,10 +6,12 @@
 #include <variant>
 
 #include "db/Connection.h"
-#include "engine/Log.h"
+#include "engine/HostBuffer.h"
 #include "engine/ProState.h"
 #include "engine/Promotion.h"
-#include "engine/StatusText.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
+#include "log/StatusText.h"
 #include "promo/RuleTable.h"
 
 namespace Corvane {
@@ -23,7 +25,7 @@ using PrivateBuffer = std::array<char, 112>;
 std::int32_t RefuseRule(Text xml, char* msg) noexcept {
   const Text failure = StatusText(Status::InitializeFailed);
   CopyTexts(msg, {failure, OrEmpty(xml)});
-  LogPieces({failure, OrEmpty(xml)});
+  Log(failure, OrEmpty(xml));
   return -1;
 }
 
@@ -38,7 +40,7 @@ std::int32_t BeginInitPro() {
   const DatabaseCall call(database.Shared());
   QString error;
   const bool open = database.EnsureOpen(error);
-  Log(open ? "数据库连接成功" : "数据库连接失败");
+  Log(open ? LogText::kDatabaseConnected : LogText::kDatabaseNotConnected);
   return open ? 0 : -1;
 }
 

@@ -1,8 +1,9 @@
 #include "engine/SaleCalls.h"
 
-#include "engine/Log.h"
+#include "engine/HostBuffer.h"
 #include "engine/ProState.h"
-#include "engine/StatusText.h"
+#include "log/Log.h"
+#include "log/StatusText.h"
 #include "sale/ProSale.h"
 
 namespace Corvane {

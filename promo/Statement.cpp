@@ -3,7 +3,8 @@
 #include <string>
 
 #include "base/Numbers.h"
-#include "engine/Log.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
 
 namespace Corvane {
 
@@ -15,7 +16,7 @@ SqlText RowsOfLine(const QnPosDBPro& db, const SalePlu& line) {
 void LogUnusableSaleCount(Text billNo, std::int32_t serialNo) { LogUnusableSaleCount(billNo, FormatI(serialNo)); }
 
 void LogUnusableSaleCount(Text billNo, const std::string& row) {
-  Log(Join("SaleCount小于1，该行不参与计算，促销单号：", billNo, "，行号：", row));
+  Log(LogText::kSaleCountBelowOne, billNo, LogText::kRowOf, row);
 }
 
 }  // namespace Corvane

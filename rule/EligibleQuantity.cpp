@@ -4,7 +4,8 @@
 
 #include "base/Numbers.h"
 #include "base/Walk.h"
-#include "engine/Log.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
 #include "rule/ResultRows.h"
 #include "rule/RuleType.h"
 
@@ -45,7 +46,7 @@ double CountHeldByRule(Text billNo, const std::vector<SalePlu>& lines) {
   for (const SalePlu& line : lines) {
     for (const ProResult& row : line.ProResults) {
       if (!Same(row.ProBillNo, billNo)) continue;
-      Log("11111");
+      Log(LogText::kHeldRow);
       held += row.DisNum;
     }
   }
@@ -59,16 +60,16 @@ double GetCalcCount(const SalePlu& line, const ProInfo& rule, const std::vector<
 }
 
 double GetCalcCount(const SalePlu& line, const ProInfo& rule, Text proType, const std::vector<SalePlu>& lines) {
-  Log(Join("促销优惠类型：", rule.MaxYhType));
-  Log(Join("促销类型：", proType));
+  Log(LogText::kLimitKind, rule.MaxYhType);
+  Log(LogText::kRuleType, proType);
   const double used = UsedQuantity(line, rule.Primary, proType);
   const bool limited = IsLimitedByQuantity(rule, proType);
   double total = 0;
   if (limited) {
-    Log("类型为2");
+    Log(LogText::kLimitedByQuantity);
     total = CountHeldByRule(rule.BillNo, lines);
   }
-  Log(Join("计算整单已优惠数量：", FormatG6(total)));
+  Log(LogText::kHeldQuantity, FormatG6(total));
   const double remaining = WithoutNoise(line.PluCount - used);
   if (!limited) return remaining;
 
@@ -76,7 +77,7 @@ double GetCalcCount(const SalePlu& line, const ProInfo& rule, Text proType, cons
   // A rule that has passed its limit gets a negative quantity, which every caller takes for nothing.
   if (room < remaining) return std::min(rule.MaxYhValue, room);
   if (remaining <= 0) return 0;
-  Log(Join("可计算数量：", FormatG6(remaining)));
+  Log(LogText::kOpenQuantity, FormatG6(remaining));
   return std::min(rule.MaxYhValue, remaining);
 }
 

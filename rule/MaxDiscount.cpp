@@ -5,7 +5,8 @@
 #include <vector>
 
 #include "base/Numbers.h"
-#include "engine/Log.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
 #include "rule/ResultRows.h"
 
 namespace Corvane {
@@ -22,17 +23,17 @@ void ShrinkTo(double ceiling, double total, const std::vector<ProResult*>& rows)
   double allocated = 0;
   std::int32_t number = 0;
   for (ProResult* row : rows) {
-    Log(Join("ProNumsT为：", FormatI(++number)));
+    Log(LogText::kRowNumber, FormatI(++number));
     if (row == rows.back()) {
-      Log("ProNumsT=ProNums");
-      Log(Join("allocated=", FormatG6(allocated)));
-      Log(Join("proInfo.MaxYhValue=", FormatG6(ceiling)));
+      Log(LogText::kLastRow);
+      Log(LogText::kAllocated, FormatG6(allocated));
+      Log(LogText::kMoneyLimit, FormatG6(ceiling));
       row->DisMoney = ceiling - allocated;
       return;
     }
     row->DisMoney = RoundMoney(Quotient(row->DisMoney * ceiling, total));
     allocated += row->DisMoney;
-    Log(Join("allocated=", FormatG6(allocated)));
+    Log(LogText::kAllocated, FormatG6(allocated));
   }
 }
 
@@ -40,10 +41,10 @@ void ShrinkTo(double ceiling, double total, const std::vector<ProResult*>& rows)
 
 void LimitByMaxDiscount(const ProInfo& rule, ProSale& sale, LimitLog log) {
   if (!Same(rule.MaxYhType, LimitKind::kMoney)) return;
-  if (log == LimitLog::Announced) Log("促销单按照最大优惠额限制");
+  if (log == LimitLog::Announced) Log(LogText::kLimitedByMoney);
   const std::vector<ProResult*> rows = ResultsOfRule(sale.Plus, rule.BillNo);
   const double total = SumOfMoney(rows);
-  Log(Join("ProNums= ", FormatI(static_cast<std::int32_t>(rows.size()))));
+  Log(LogText::kRowsOfRule, FormatI(static_cast<std::int32_t>(rows.size())));
   if (!(std::fabs(total - rule.MaxYhValue) > 0.01) || !(total > rule.MaxYhValue)) return;
   ShrinkTo(rule.MaxYhValue, total, rows);
 }

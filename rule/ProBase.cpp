@@ -3,7 +3,8 @@
 #include <algorithm>
 
 #include "base/Walk.h"
-#include "engine/Log.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
 #include "rule/RuleType.h"
 #include "rule/SaleFilters.h"
 
@@ -17,7 +18,7 @@ constexpr Text kAny = "*";
 
 bool ProBase::CheckBaseCondition(const ProSale& sale) const {
   if (!MeetsTime(sale) || !MeetsOrganisation(sale) || !MeetsMember(sale) || !MeetsPayment(sale)) return false;
-  Log("所有基本条件都被判断过，满足");
+  Log(LogText::kConditionsMet);
   return true;
 }
 
@@ -27,10 +28,10 @@ bool ProBase::MeetsTime(const ProSale& sale) const {
   });
   // For the use of coupons the time rows have no power to refuse.
   if (!matched && !TypeOf(Info.ProType).Has(Fact::IgnoresTime)) {
-    if (!Times.empty()) Log("时间条件不满足");
+    if (!Times.empty()) Log(LogText::kTimeNotMet);
     return false;
   }
-  Log("时间满足");
+  Log(LogText::kTimeMet);
   return true;
 }
 
@@ -39,7 +40,7 @@ bool ProBase::MeetsOrganisation(const ProSale& sale) const {
   const bool matched = std::any_of(OrgFilters.begin(), OrgFilters.end(), [&](const ProOrgFilter& row) {
     return Same(row.OrgCode, kAny) || Same(row.OrgCode, sale.OrgCode);
   });
-  Log(matched ? "组织满足" : "组织条件不满足");
+  Log(matched ? LogText::kOrganisationMet : LogText::kOrganisationNotMet);
   return matched;
 }
 
@@ -54,7 +55,7 @@ bool ProBase::MeetsMember(const ProSale& sale) const {
                           [&](const SaleVip& member) { return Same(member.VipType, row.VipType); });
     if (matched) break;
   }
-  Log(matched ? "会员满足" : "会员条件不满足");
+  Log(matched ? LogText::kMemberMet : LogText::kMemberNotMet);
   return matched;
 }
 
@@ -66,7 +67,7 @@ bool ProBase::MeetsPayment(const ProSale& sale) const {
                                   [&](const SalePay& pay) { return MatchPay(row, pay.PayMode, pay.PayMoney); });
     if (paid) return true;
   }
-  Log("支付条件不满足");
+  Log(LogText::kPaymentNotMet);
   return false;
 }
 

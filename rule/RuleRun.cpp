@@ -65,8 +65,8 @@ void RuleRun::Lower(SalePlu& line, double money) {
   if (m_type.Has(Fact::SetsFinalPrice)) line.FinalPrice = Quotient(line.Total, line.PluCount);
 }
 
-void RuleRun::Record(SalePlu& line, const Award& award, Rows rows) {
-  ProResult row = NewRow(award);
+void RuleRun::Record(SalePlu& line, const Award& award, Rows rows, Member member) {
+  ProResult row = NewRow(award, member);
   if (rows == Rows::Results) row.YhMoney = 0;  // a result that nothing is apportioned by keeps no second amount
   if (rows != Rows::Results) line.Apportions.push_back(row);
   if (rows != Rows::Apportions) line.ProResults.push_back(row);
@@ -82,12 +82,9 @@ void RuleRun::RecordOrMerge(SalePlu& line, const Award& award) {
   held->DisMoney += award.Money;
 }
 
-void RuleRun::RecordOnSale(const Award& award, Member member) {
-  m_sale.SaleResults.push_back(NewRow(award));
-  if (member == Member::Untold) m_sale.SaleResults.back().SetMember("");
-}
+void RuleRun::RecordOnSale(const Award& award, Member member) { m_sale.SaleResults.push_back(NewRow(award, member)); }
 
-ProResult RuleRun::NewRow(const Award& award) const {
+ProResult RuleRun::NewRow(const Award& award, Member member) const {
   ProResult row;
   row.ProBillNo = Info().BillNo;
   row.Primary = Info().Primary;
@@ -97,7 +94,7 @@ ProResult RuleRun::NewRow(const Award& award) const {
   row.NewPrice = award.NewPrice;
   row.BaseMoney = award.BaseMoney;
   row.YhMoney = award.Money;
-  row.SetMember(m_vipType);
+  if (member == Member::Told) row.SetMember(m_vipType);
   return row;
 }
 

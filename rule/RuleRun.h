@@ -82,7 +82,7 @@ class RuleRun {
   void GiveOrMerge(SalePlu& line, const Award& award);
 
   /// Appends a row of the rule, and leaves the line's `Total` to whoever asks.
-  void Record(SalePlu& line, const Award& award, Rows rows = Rows::Both);
+  void Record(SalePlu& line, const Award& award, Rows rows = Rows::Both, Member member = Member::Told);
 
   /// Lowers the line's `Total` and nothing else, by money that its rows tell already: a rounding tail, or shares.
   void LowerTotal(SalePlu& line, double money);
@@ -101,7 +101,7 @@ class RuleRun {
  private:
   void Lower(SalePlu& line, double money);
   void RecordOrMerge(SalePlu& line, const Award& award);
-  ProResult NewRow(const Award& award) const;
+  ProResult NewRow(const Award& award, Member member) const;
 
   const ProBase& m_rule;
   const RuleType& m_type;

@@ -5,7 +5,8 @@
 
 #include "base/Numbers.h"
 #include "base/Walk.h"
-#include "engine/Log.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
 #include "rule/ResultRows.h"
 
 namespace Corvane {
@@ -47,14 +48,14 @@ double WeightOfLine(RuleRun& run, SalePlu& line) {
   const Apportion* const held = FindLastRow(line.Apportions, run.Info().BillNo);
   LogApportion(held != nullptr);
   if (held != nullptr) return held->AppNum() * line.Price;
-  run.Record(line, {line.PluCount, 0, line.Price}, Rows::Apportions);
+  run.Record(line, {line.PluCount, 0, line.Price}, Rows::Apportions, Member::Untold);
   line.DisNum = line.PluCount;
   return line.PluCount * line.Price;
 }
 
 }  // namespace
 
-void LogApportion(bool isApportioned) { Log(isApportioned ? "已有分摊记录" : "不存在已有分摊记录，创建分摊记录"); }
+void LogApportion(bool isApportioned) { Log(isApportioned ? LogText::kApportioned : LogText::kNotApportioned); }
 
 void ApportionRecords(RuleRun& run, const LinePtrs& lines, double money) {
   double weight = 0;
@@ -205,15 +206,15 @@ double SetSum::DiscountToPrice(double unit, double quantity, bool isLast) {
 
 double SetSum::DiscountByReduction(double quantity, bool isLast) {
   double money = RoundMoney(Quotient(quantity * m_total, m_size));
-  Log(Join("组合自选促销生成的优惠：", FormatG6(money)));
+  Log(LogText::kSetDiscount, FormatG6(money));
   if (isLast) {
     const double rest = m_sum - m_spread;
-    Log(Join("temp:", FormatG6(rest)));
+    Log(LogText::kSetRest, FormatG6(rest));
     money = RoundMoney(rest);
     m_spread = 0;
   }
   m_spread += RoundMoney(m_perPiece * quantity);
-  Log(Join("m_dTotalPrice:", FormatG6(m_spread)));
+  Log(LogText::kSetSum, FormatG6(m_spread));
   return money;
 }
 
@@ -250,10 +251,10 @@ void SettlePool(RuleRun& run, const LinePtrs& lines, double money) {
     }
   }
   const double tail = money - actual - discount;
-  Log(Join("自由组合原始total", FormatG6(money)));
-  Log(Join("自由组合实际total", FormatG6(actual)));
-  Log(Join("自由组合优惠total", FormatG6(discount)));
-  Log(Join("自由组合尾差为", FormatG6(tail)));
+  Log(LogText::kPoolBrought, FormatG6(money));
+  Log(LogText::kPoolCosts, FormatG6(actual));
+  Log(LogText::kPoolDiscount, FormatG6(discount));
+  Log(LogText::kPoolTail, FormatG6(tail));
   if (std::fabs(tail) > kNoTail) PutTailOnLastLine(run, lines, tail);
 }
 

@@ -5,8 +5,8 @@
 
 #include "base/Numbers.h"
 #include "base/XmlFields.h"
-#include "engine/Log.h"
-#include "engine/StatusText.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
 
 namespace Corvane {
 
@@ -128,7 +128,7 @@ void ReadLines(ProSale& sale, const TiXmlElement& group, std::int32_t& lineIndex
   int rows = 0;
   for (const TiXmlElement& row : ChildElements(group)) {
     if (row.FirstAttribute() == nullptr) {
-      Log("流水行没有属性，已跳过");
+      Log(LogText::kLineWithoutAttributes);
       continue;
     }
     lineIndex = MergeLine(sale, ReadLine(sale, row));
@@ -145,9 +145,9 @@ Record ReadRow(const FieldTable& table, const TiXmlElement& row, TextPool& texts
 }
 
 void ReadPays(ProSale& sale, const TiXmlElement& group) {
-  Log("初始化支付对象");
+  Log(LogText::kReadingPayments);
   for (const TiXmlElement& row : ChildElements(group)) {
-    Log("读到支付对象，开始初始化");
+    Log(LogText::kReadingPayment);
     sale.Pays.push_back(ReadRow<SalePay>(kPayFields, row, sale.Texts));
     sale.Pays.back().BillNo = sale.BillNo;
   }
@@ -192,18 +192,17 @@ void ReadGroup(ProSale& sale, const TiXmlElement& group, std::int32_t& lineIndex
 
 }  // namespace
 
-std::int32_t ReadSale(ProSale& sale, Text xml, char* msg, std::int32_t& lineIndex) {
+bool ReadSale(ProSale& sale, Text xml, std::int32_t& lineIndex) {
   try {
-    Log("开始初始化流水");
+    Log(LogText::kReadingSale);
     const XmlDocument document(xml);
     const TiXmlElement* root = document.Root();
-    if (root == nullptr) return 0;
+    if (root == nullptr) return true;
     ReadAttributes(kSaleFields, *root, sale, sale.Texts);
     for (const TiXmlElement& group : ChildElements(root)) ReadGroup(sale, group, lineIndex);
-    return 0;
+    return true;
   } catch (...) {
-    CopyText(msg, StatusText(Status::UnknownError));
-    return -1;
+    return false;
   }
 }
 

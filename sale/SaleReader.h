@@ -15,11 +15,9 @@ namespace Corvane {
 /// @param lineIndex in and out: the `Index` of the one line that the XML brought, -1 when a "Plu" group brought
 /// several;
 ///                  untouched without a line.
-/// @param msg       host buffer for the status text; written on failure only. May be null.
-/// @return 0, or -1 after an exception ("unknow error"); what was read until then stays in the sale. A malformed text
-/// is
-///         no failure: what stands before the fault is read.
-std::int32_t ReadSale(ProSale& sale, Text xml, char* msg, std::int32_t& lineIndex);
+/// @return false after an exception; what was read until then stays in the sale. A malformed text is none: what stands
+///         before the fault is read.
+bool ReadSale(ProSale& sale, Text xml, std::int32_t& lineIndex);
 
 }  // namespace Corvane
 

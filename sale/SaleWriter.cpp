@@ -7,8 +7,8 @@
 
 #include "base/Numbers.h"
 #include "base/Walk.h"
-#include "engine/Log.h"
-#include "engine/StatusText.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
 
 namespace Corvane {
 
@@ -63,20 +63,6 @@ class ResultDocument {
   TiXmlDocument m_document;
   TiXmlElement* m_sale = nullptr;  // owned by the document
 };
-
-/// Runs the builder and hands its text to the host.
-template <class Builder>
-std::int32_t HandOver(char* out, char* msg, Builder build) {
-  try {
-    const std::string text = build();
-    CopyText(out, text);
-    CopyText(msg, StatusText(Status::Success));
-    return 0;
-  } catch (...) {
-    CopyText(msg, StatusText(Status::WriteFailed));
-    return -1;
-  }
-}
 
 /// The columns that a discount row and an apportion row share; they differ in the names of quantity and money.
 struct RowNames {
@@ -176,23 +162,26 @@ void AddCoupon(const Element& group, Text saleBillNo, const SaleCoupon& coupon) 
       .Word("Remark", coupon.Remark);
 }
 
-std::string SaleForm(const ProSale& sale, const std::vector<SalePlu>& lines) {
+}  // namespace
+
+std::string SaleXml(const ProSale& sale) {
   const ResultDocument document(sale.BillNo, sale.OrgCode);
   const Element plu = document.Sale().Child("Plu");
   const Element results = document.Sale().Child("ProResult");
   const Element apportions = document.Sale().Child("Apportion");
   const Element gifts = document.Sale().Child("ProGifts");
   const Element coupons = document.Sale().Child("ProCoupons");
-  for (const SalePlu& line : LastToFirst(lines)) AddLine(plu, line);
-  AddRowsOfLines(results, lines, &SalePlu::ProResults, kResultNames);
-  AddRowsOfLines(apportions, lines, &SalePlu::Apportions, kApportionNames);
+  for (const SalePlu& line : LastToFirst(sale.Plus)) AddLine(plu, line);
+  AddRowsOfLines(results, sale.Plus, &SalePlu::ProResults, kResultNames);
+  AddRowsOfLines(apportions, sale.Plus, &SalePlu::Apportions, kApportionNames);
   for (const ProResult& row : LastToFirst(sale.SaleResults)) AddRow(results, "0", "*", row, kResultNames);
   for (const SaleProGift& gift : LastToFirst(sale.ProGifts)) AddOffers(gifts, gift);
   for (const SaleCoupon& coupon : LastToFirst(sale.Coupons)) AddCoupon(coupons, sale.BillNo, coupon);
   return document.Print();
 }
 
-std::string SingleForm(Text orgCode, const SalePlu& line) {
+std::string LineXml(Text orgCode, const SalePlu& line) {
+  Log(LogText::kWritingLine);
   const ResultDocument document(line.BillNo, orgCode);
   // With decimals here, a whole number in the Sale form.
   AddLineHead(document.Sale().Child("Plu"), line).F2("PackCnt", line.PackCnt);
@@ -206,19 +195,6 @@ std::string SingleForm(Text orgCode, const SalePlu& line) {
     AddRow(apportions, serialNo, line.PluCode, row, kApportionNames).I("RowID", line.SerialNo);
   }
   return document.Print();
-}
-
-}  // namespace
-
-std::int32_t WriteSale(const ProSale& sale, const std::vector<SalePlu>& lines, char* out, char* msg) {
-  return HandOver(out, msg, [&] { return SaleForm(sale, lines); });
-}
-
-std::int32_t WriteLine(Text orgCode, const SalePlu& line, char* out, char* msg) {
-  return HandOver(out, msg, [&] {
-    Log("获取一个销售流水经过计算之后的xml");
-    return SingleForm(orgCode, line);
-  });
 }
 
 }  // namespace Corvane

@@ -5,7 +5,8 @@
 
 #include "base/Numbers.h"
 #include "base/Walk.h"
-#include "engine/Log.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
 #include "promo/DetailQuery.h"
 #include "promo/Statement.h"
 #include "rule/LineSelection.h"
@@ -54,12 +55,12 @@ LinePtrs LinesOf(Text pluCode, const LinePtrs& lines) {
 void ProCombChoice::InitRule(Text xml) { ReadRule(xml, *this); }
 
 void ProCombChoice::CalcRule(RuleRun& run) {
-  Log("开始计算套餐自选，判断是否满足基本规则");
+  Log(LogText::kChoiceStarts);
   if (!run.MeetsConditions()) return;
   // Slots and rows that can't be read are missing; the rule goes on with those that were.
   QString message;
   LoadRuleDetail(message);
-  Log("基本规则满足");
+  Log(LogText::kChoiceRowsRead);
   LinePtrs matched;
   const std::int32_t sets = GetChoiceSets(run, matched);
   if (sets == 0 || matched.empty()) return;
@@ -148,7 +149,7 @@ std::int32_t ProCombChoice::GetSlotSets(const RuleRun& run, const CombChoiceSlot
 void ProCombChoice::ServeSlots(RuleRun& run, SlotKind kind, std::int32_t sets, const LinePtrs& matched) {
   for (CombChoiceSlot& slot : LastToFirst(m_slots)) {
     if (slot.Kind() != kind) continue;
-    Log(kind == SlotKind::Mandatory ? "计算必选坑" : "计算可选坑");
+    Log(kind == SlotKind::Mandatory ? LogText::kMandatorySlot : LogText::kOptionalSlot);
     SortSlotRows(slot);
     std::int64_t remaining = sets;
     for (CombChoiceRow& row : LastToFirst(slot.Rows)) {

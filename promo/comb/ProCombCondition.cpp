@@ -4,7 +4,8 @@
 #include <iterator>
 
 #include "base/Walk.h"
-#include "engine/Log.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
 #include "promo/DetailQuery.h"
 #include "promo/PercentKept.h"
 #include "promo/Statement.h"
@@ -53,7 +54,7 @@ void ProCombCondition::CalcRule(RuleRun& run) {
   if (!run.MeetsConditions()) return;
   QString message;
   if (!LoadRuleDetail(message)) {
-    Log(QStringLiteral("计算条件组合促销失败") + message);
+    Log(QString::fromUtf8(LogText::kConditionFailed) + message);
     return;
   }
   const LinePtrs single = SelectSingleLines(run.Lines());

@@ -4,7 +4,7 @@
 
 #include "base/Numbers.h"
 #include "base/Walk.h"
-#include "engine/Log.h"
+#include "log/Log.h"
 #include "promo/DetailQuery.h"
 #include "promo/Statement.h"
 #include "rule/LineSelection.h"

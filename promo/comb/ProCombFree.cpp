@@ -5,7 +5,8 @@
 
 #include "base/Numbers.h"
 #include "base/Walk.h"
-#include "engine/Log.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
 #include "promo/DetailQuery.h"
 #include "promo/PercentKept.h"
 #include "promo/Statement.h"
@@ -47,12 +48,12 @@ constexpr double kNoPieces = 0.001;
 void ProCombFree::InitRule(Text xml) { ReadRule(xml, *this); }
 
 void ProCombFree::CalcRule(RuleRun& run) {
-  Log(Join("开始计算自由组合促销，促销单号：", Info.BillNo));
+  Log(LogText::kFreeStarts, Info.BillNo);
   if (!run.MeetsConditions()) return;
   // Rows that can't be read are missing; the rule goes on with those that were.
   QString message;
   LoadRuleDetail(run.Lines(), message);
-  Log("开始计算自由组合促销，1");
+  Log(LogText::kFreeRowsRead);
   const LinePtrs single = SelectSingleLines(run.Lines());
   if (single.empty()) return;
   const CombPool pool = GetSaleAccordCombFree(run, single);
@@ -107,10 +108,10 @@ bool ProCombFree::LoadTiers(QString& message) {
 // --- Pool -----------------------------------------------------------------------------------------------------------
 
 CombPool ProCombFree::GetSaleAccordCombFree(const RuleRun& run, const LinePtrs& lines) const {
-  Log("GetSaleAccordCombFree函数开始计算");
+  Log(LogText::kFreePoolStarts);
   CombPool pool;
   for (SalePlu* line : lines) {
-    Log(Join("iCondition数量为：", FormatI(static_cast<std::int32_t>(m_pluRows.size()))));
+    Log(LogText::kFreeRows, FormatI(static_cast<std::int32_t>(m_pluRows.size())));
     AddToPool(run, pool, *line);
   }
   return pool;
@@ -122,7 +123,7 @@ void ProCombFree::AddToPool(const RuleRun& run, CombPool& pool, SalePlu& line) c
   for (const CombFreePluRow& row : LastToFirst(m_pluRows)) {
     const bool byGoods = NamesGoods(row);
     if (!byGoods && !Same(row.PluType, "CAT")) continue;
-    Log(Join("优惠类型为", row.PluType));
+    Log(LogText::kFreeRowType, row.PluType);
     if (!Same(row.PluCode, byGoods ? line.PluCode : line.CAT)) continue;
     const double open = run.OpenCount(line);
     if (PrintsAsZero(open)) {
@@ -130,7 +131,7 @@ void ProCombFree::AddToPool(const RuleRun& run, CombPool& pool, SalePlu& line) c
       if (byGoods) return;
       continue;
     }
-    if (!byGoods) Log(Join("优惠类型为", row.PluType, "plucode为：", row.PluCode));
+    if (!byGoods) Log(LogText::kFreeRowType, row.PluType, LogText::kFreeRowCode, row.PluCode);
     pool.Quantity += open;
     // A goods row brings the whole line's amount into the sum, a category row only that of the open quantity. The tail
     // is reckoned against this sum.
@@ -178,7 +179,7 @@ double ProCombFree::PiecesAllowed(const RuleRun& run) const {
 /// Sells what the line gives to the tier's sets at the tier's terms. A line that would not get cheaper gives nothing;
 /// its pieces pass on to the next line.
 void ProCombFree::DiscountSale(RuleRun& run, TierRun& tier, SalePlu& line) {
-  Log("ProCombFree::DiscountSale begin");
+  Log(LogText::kFreeLineStarts);
   const Taken taken = TakenByCombinations(line);
   const double left = tier.Target - tier.Running;
   LinePart part;
@@ -187,7 +188,7 @@ void ProCombFree::DiscountSale(RuleRun& run, TierRun& tier, SalePlu& line) {
   part.Quantity = line.PluCount - taken.Quantity;
   if (!(left > part.Quantity)) {
     if (!(left > 0)) return;
-    Log("本组中最后一行商品，需要分摊尾差");
+    Log(LogText::kFreeLastLine);
     part.Quantity = left;
     part.IsLast = true;
   }

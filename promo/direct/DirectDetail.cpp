@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "engine/Log.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
 #include "promo/DetailQuery.h"
 #include "promo/PercentKept.h"
 #include "promo/Statement.h"
@@ -69,7 +70,7 @@ void DirectDetail::LoadRowsOf(const SalePlu& line, QnPosDBPro& db, Text billNo) 
     m_actions.push_back({head, row.DscType, 0, row.DscPrice, PercentKept(row.DscRate)});
   };
   const bool read = db.EnsureOpen(error) && SelectRows(db, SelectOfLine(db, billNo, line), kColumns, error, take);
-  Log(Join(read ? "获取普通类促销详情成功" : "获取普通类促销详情失败", billNo));
+  Log(read ? LogText::kDetailRead : LogText::kDetailNotRead, billNo);
 }
 
 const PluAction& DirectDetail::ActionOf(const ProDetailKey& condition) const {

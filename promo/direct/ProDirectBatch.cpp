@@ -5,7 +5,8 @@
 #include <optional>
 
 #include "base/Walk.h"
-#include "engine/Log.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
 #include "rule/RuleReader.h"
 
 namespace Corvane {
@@ -25,7 +26,7 @@ LinePtrs LinesWhere(const LinePtrs& lines, Predicate predicate) {
 void ProDirectBatch::InitRule(Text xml) { ReadRule(xml, *this); }
 
 void ProDirectBatch::CalcRule(RuleRun& run) {
-  Log(Join("促销单限制类型：", Info.MaxYhType));
+  Log(LogText::kBatchLimitKind, Info.MaxYhType);
   if (!run.MeetsConditions()) return;
   m_detail.LoadRuleDetail(m_db, Info.BillNo, run.Lines());  // nothing changes the lines meanwhile
   const SplitRows rows(m_detail.Conditions());

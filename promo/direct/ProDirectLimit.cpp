@@ -4,7 +4,8 @@
 
 #include "base/Numbers.h"
 #include "base/Walk.h"
-#include "engine/Log.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
 #include "rule/ActionPrice.h"
 #include "rule/ResultRows.h"
 #include "rule/RuleReader.h"
@@ -24,10 +25,10 @@ void ProDirectLimit::CalcRule(RuleRun& run) {
 }
 
 void ProDirectLimit::CalcRuleOnLine(RuleRun& run, SalePlu& line) const {
-  Log(Join("开始计算普通限时促销，促销单号：", Info.BillNo));
-  Log("1");
+  Log(LogText::kLimitStarts, Info.BillNo);
+  Log(LogText::kBeforeOpenQuantity);
   const double open = run.OpenCount(line);
-  Log("2");
+  Log(LogText::kBehindOpenQuantity);
   if (open <= 0) return;
   const SplitRows rows(m_detail.Conditions());
   if (LineMatchesRows(rows.PluNot, line, RowsBy::Goods)) return;

@@ -4,7 +4,8 @@
 #include <utility>
 
 #include "base/XmlFields.h"
-#include "engine/Log.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
 #include "promo/mz/CouponDays.h"
 #include "promo/mz/Tiers.h"
 #include "rule/LineSelection.h"
@@ -58,14 +59,14 @@ void ProMzCoupon::ReadList(const TiXmlElement& group) {
 
 void ProMzCoupon::CalcRule(RuleRun& run) {
   if (!run.MayActOnSale()) return;
-  Log(Join("赠券方案个数", NumberOf(m_lists)));
+  Log(LogText::kCouponOffers, NumberOf(m_lists));
   if (m_lists.empty()) return;
   for (ProMzList& list : m_lists) CalcList(run, list);
   run.LimitProportionally();
 }
 
 void ProMzCoupon::CalcList(RuleRun& run, ProMzList& list) const {
-  Log(Join("赠券方案内的行为个数", NumberOf(list.Tiers)));
+  Log(LogText::kCouponTiers, NumberOf(list.Tiers));
   if (list.Tiers.empty()) return;
   SortTiersDown(list.Tiers);
   double amount = 0;
@@ -75,7 +76,7 @@ void ProMzCoupon::CalcList(RuleRun& run, ProMzList& list) const {
     amount = SelectRuleLines(run, SplitRows(list.Conditions)).Money;
     if (amount == 0) return;
   }
-  Log(Join("赠券方案内满足的金额", FormatF6(amount)));
+  Log(LogText::kCouponAmount, FormatF6(amount));
   const double sum = SumOfTiers(list, amount);
   if (sum <= 0) return;
   const std::optional<double> value = GiveCoupons(run.Sale(), list, sum);
@@ -89,7 +90,7 @@ double ProMzCoupon::SumOfTiers(const ProMzList& list, double amount) {
   for (const PluAddAction& tier : list.Tiers) {
     if (remainder < tier.BaseConNum) continue;
     sum += tier.BaseDscNum;
-    Log(Join("真实赠券额", FormatF6(sum)));
+    Log(LogText::kCouponSum, FormatF6(sum));
     // Unlike in the reduction, a tier may always leave less than nothing.
     remainder = GiveFurtherSteps(tier, remainder, list.MaxDiscount, sum);
   }
@@ -114,7 +115,7 @@ std::optional<double> ProMzCoupon::GiveCoupons(ProSale& sale, const ProMzList& l
     const std::optional<double> value = LargestFitting(list.Denominations, rest);
     if (!value) break;
     if (*value <= 0) {
-      Log(Join("券面额不大于0，不赠券，促销单号：", Info.BillNo));
+      Log(LogText::kDenominationNotPositive, Info.BillNo);
       break;
     }
     if (made.size() == kMaxCoupons) {

@@ -5,7 +5,8 @@
 
 #include "base/Numbers.h"
 #include "base/Walk.h"
-#include "engine/Log.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
 #include "promo/Statement.h"
 #include "promo/mz/ConditionRows.h"
 #include "promo/mz/Scheme.h"
@@ -36,7 +37,7 @@ void ProMzFree::CalcRule(RuleRun& run) {
   QString error;
   // Nothing changes the lines while rows are read, so the loader takes no copy of them.
   if (!LoadRuleDetail(Info.BillNo, run.Lines(), error)) {
-    Log(QStringLiteral("计算商品直免促销失败") + error);
+    Log(QString::fromUtf8(LogText::kGoodsFreeFailed) + error);
     return;
   }
   SortTiersDown(m_tiers);

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "engine/Log.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
 #include "promo/Statement.h"
 #include "promo/mz/ConditionRows.h"
 #include "promo/mz/Scheme.h"
@@ -25,17 +26,17 @@ bool ProMzGift::LoadRuleDetail(Text billNo, const std::vector<SalePlu>& lines, Q
 }
 
 void ProMzGift::CalcRule(RuleRun& run) {
-  Log("开始满减赠品计算");
+  Log(LogText::kGiftStarts);
   if (!run.MayActOnSale()) return;
   m_conditions.clear();
   m_tiers.clear();
   QString error;
   // Nothing changes the lines while rows are read, so the loader takes no copy of them.
   if (!LoadRuleDetail(Info.BillNo, run.Lines(), error)) {
-    Log(QStringLiteral("计算满赠赠品促销失败") + error);
+    Log(QString::fromUtf8(LogText::kGiftFailed) + error);
     return;
   }
-  Log("满减赠品基本促销条件满足！");
+  Log(LogText::kGiftRowsRead);
   SortTiersDown(m_tiers);
   OfferTiers(SelectConditionLines(run, m_conditions), run.Sale());
   run.LimitProportionally();

@@ -5,7 +5,8 @@
 #include "base/Numbers.h"
 #include "base/Walk.h"
 #include "base/XmlFields.h"
-#include "engine/Log.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
 #include "promo/mz/Tiers.h"
 #include "rule/LineSelection.h"
 #include "rule/RuleReader.h"
@@ -62,7 +63,7 @@ void ProMzPay::ReadOwnGroup(const TiXmlElement& group) {
   if (Same(group.Value(), "ProCtr")) ReadControl(group, Info.BillNo, m_control);
   if (Same(group.Value(), "CardNoFilter")) ReadCardRanges(group, Info.BillNo, m_cardRanges);
   if (Same(group.Value(), "PluAction")) {
-    Log("判断节点是PluAction时");
+    Log(LogText::kPayActionGroup);
     ReadPluAction(group, Info.BillNo, m_steps);
   }
 }
@@ -70,7 +71,7 @@ void ProMzPay::ReadOwnGroup(const TiXmlElement& group) {
 /// Unlike the other full-amount types this one doesn't ask whether rules may still act on the sale.
 void ProMzPay::CalcRule(RuleRun& run) {
   if (!run.MeetsConditions()) {
-    Log("基本条件不满足，再检查！");
+    Log(LogText::kPayConditionsNotMet);
     return;
   }
   const std::optional<PayLines> goods = SelectPayLines(m_conditions, run.Lines());
@@ -110,7 +111,7 @@ ProMzPay::Reduction ProMzPay::WalkSteps(double paySum, double goodsMoney) const 
       if (next.Given >= ceiling) return {ceiling, next.Used, next.Left};
       // A step that takes no payment and brings no gain would stand next for ever.
       if (!(step.DisPrice > 0) && !(gain > 0)) {
-        Log(Join("支付阶梯的DisPrice不大于0且没有优惠，停止计算，促销单号：", Info.BillNo));
+        Log(LogText::kPayStepWithoutGain, Info.BillNo);
         return taken;
       }
       // And so would one that is lost in the digits of what was paid and given.

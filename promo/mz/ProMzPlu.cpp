@@ -5,7 +5,8 @@
 
 #include "base/Numbers.h"
 #include "base/Walk.h"
-#include "engine/Log.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
 #include "promo/DetailQuery.h"
 #include "promo/Statement.h"
 #include "promo/mz/TierColumns.h"
@@ -132,7 +133,7 @@ void ProMzPlu::CalcRule(RuleRun& run) {
   QString error;
   // Nothing changes the lines while rows are read, so the loader takes no copy of them.
   if (!LoadRuleDetail(Info.BillNo, run.Lines(), error)) {
-    Log(QStringLiteral("计算单品赠送促销失败") + error);
+    Log(QString::fromUtf8(LogText::kGoodsFailed) + error);
     return;
   }
   SortTiersDown(m_tiers);

@@ -6,7 +6,8 @@
 
 #include "base/Walk.h"
 #include "db/RowFields.h"
-#include "engine/Log.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
 #include "promo/DetailQuery.h"
 #include "promo/Statement.h"
 #include "promo/mz/ConditionRows.h"
@@ -88,7 +89,7 @@ void ProMzReduce::CalcRule(RuleRun& run) {
   QString error;
   // Nothing changes the lines while rows are read, so the loader takes no copy of them.
   if (!LoadRuleDetail(Info.BillNo, run.Lines(), error)) {
-    Log(QStringLiteral("计算满减促销失败") + error);
+    Log(QString::fromUtf8(LogText::kReduceFailed) + error);
     return;
   }
   for (ProMzList& list : m_lists) CalcList(run, list);

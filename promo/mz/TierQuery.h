@@ -4,7 +4,7 @@
 #include <QString>
 #include <cstddef>
 
-#include "engine/Log.h"
+#include "log/Log.h"
 #include "promo/DetailQuery.h"
 
 namespace Corvane {

@@ -3,7 +3,8 @@
 #include <algorithm>
 
 #include "base/Numbers.h"
-#include "engine/Log.h"
+#include "log/Log.h"
+#include "log/LogTexts.h"
 
 namespace Corvane {
 
@@ -21,7 +22,7 @@ double AddUpTo(double cap, std::int64_t count, RepeatedSum sum) {
 
 }  // namespace
 
-void LogTooManyRepeats(Text billNo) { Log(Join("重复次数过多，该方案不参与计算，促销单号：", billNo)); }
+void LogTooManyRepeats(Text billNo) { Log(LogText::kTooManyRepeats, billNo); }
 
 TierUnit UnitOf(Text word) {
   if (Same(word, "SUM")) return TierUnit::Money;

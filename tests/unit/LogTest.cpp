@@ -1,5 +1,5 @@
 // The calculation log as a file.
-#include "engine/Log.h"
+#include "log/Log.h"
 
 #include <gtest/gtest.h>
 #include <signal.h>

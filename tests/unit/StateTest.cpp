@@ -10,7 +10,7 @@
 #include <type_traits>
 
 #include "base/ProError.h"
-#include "engine/StatusText.h"
+#include "log/StatusText.h"
 
 using Corvane::ProError;
 using Corvane::ProState;

@@ -1,6 +1,5 @@
-#include "engine/StatusText.h"
+#include "log/StatusText.h"
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 
@@ -30,14 +29,6 @@ Text StatusText(Status status) {
       "number overflow",
   };
   return kTexts.at(static_cast<std::size_t>(status));
-}
-
-void CopyText(char* buffer, std::string_view text) { CopyTexts(buffer, {text}); }
-
-void CopyTexts(char* buffer, std::initializer_list<std::string_view> texts) {
-  if (buffer == nullptr) return;
-  for (const std::string_view text : texts) buffer = std::copy(text.begin(), text.end(), buffer);
-  *buffer = '\0';
 }
 
 }  // namespace Corvane

@@ -1,8 +1,5 @@
-#ifndef QNCORVANE_ENGINE_STATUSTEXT_H
-#define QNCORVANE_ENGINE_STATUSTEXT_H
-
-#include <initializer_list>
-#include <string_view>
+#ifndef QNCORVANE_LOG_STATUSTEXT_H
+#define QNCORVANE_LOG_STATUSTEXT_H
 
 #include "base/Text.h"
 
@@ -28,11 +25,13 @@ enum class Status {
 /// @return a constant text.
 Text StatusText(Status status);
 
-/// Copies a text with its closing zero into a host's buffer, whose length nobody checks. A null buffer is left alone.
-void CopyText(char* buffer, std::string_view text);
-
-/// The same with several texts, one directly behind the other.
-void CopyTexts(char* buffer, std::initializer_list<std::string_view> texts);
+/// What a calculation answers where no row of the table fits.
+namespace AnswerText {
+constexpr Text kNoKey = "销售单主键为空！";
+constexpr Text kNoMode = "计算方式为空！";
+constexpr Text kNoSale = "销售单为空！";
+constexpr Text kNoRules = "促销模型为空";
+}  // namespace AnswerText
 
 }  // namespace Corvane
 

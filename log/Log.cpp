@@ -1,4 +1,4 @@
-#include "engine/Log.h"
+#include "log/Log.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -14,7 +14,7 @@
 
 #include "base/NeverDestroyed.h"
 #include "base/Text.h"
-#include "engine/LogEncoding.h"
+#include "log/LogEncoding.h"
 
 namespace Corvane {
 

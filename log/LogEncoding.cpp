@@ -1,4 +1,4 @@
-#include "engine/LogEncoding.h"
+#include "log/LogEncoding.h"
 
 #include <iconv.h>
 

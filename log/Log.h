@@ -1,10 +1,12 @@
-#ifndef QNCORVANE_ENGINE_LOG_H
-#define QNCORVANE_ENGINE_LOG_H
+#ifndef QNCORVANE_LOG_LOG_H
+#define QNCORVANE_LOG_LOG_H
 
 #include <QString>
 #include <initializer_list>
 #include <string>
 #include <string_view>
+
+#include "base/Text.h"
 
 namespace Corvane {
 
@@ -16,7 +18,7 @@ namespace Corvane {
 /// A file that an entry finds longer than 1000000 bytes starts anew with that entry. An entry that can't be written,
 /// whatever the cause, is lost and nothing more.
 ///
-/// The local time follows a host that changes TZ. The file's encoding is told in engine/LogEncoding.h.
+/// The local time follows a host that changes TZ. The file's encoding is told in log/LogEncoding.h.
 void Log(const QString& text) noexcept;
 
 /// @param text UTF-8; null logs an empty text.
@@ -25,8 +27,16 @@ void Log(const char* text) noexcept;
 /// @param text UTF-8.
 void Log(const std::string& text) noexcept;
 
-/// One entry of several pieces of UTF-8, one directly behind the other; nothing is joined outside.
+/// One entry of several pieces of UTF-8, one directly behind the other.
 void LogPieces(std::initializer_list<std::string_view> pieces) noexcept;
+
+/// The same for pieces that are texts or strings; a null piece is empty. Nothing is joined outside, so that an entry
+/// for which there is no memory costs the entry only.
+template <class... Piece>
+void Log(const Piece&... pieces) noexcept {
+  static_assert(sizeof...(pieces) > 1, "a single text has an overload of its own");
+  LogPieces({Detail::ViewOf(pieces)...});
+}
 
 }  // namespace Corvane
 
