@@ -32,10 +32,9 @@ void LogPieces(std::initializer_list<std::string_view> pieces) noexcept;
 
 /// The same for pieces that are texts or strings; a null piece is empty. Nothing is joined outside, so that an entry
 /// for which there is no memory costs the entry only.
-template <class... Piece>
-void Log(const Piece&... pieces) noexcept {
-  static_assert(sizeof...(pieces) > 1, "a single text has an overload of its own");
-  LogPieces({Detail::ViewOf(pieces)...});
+template <class First, class Second, class... Piece>
+void Log(const First& first, const Second& second, const Piece&... pieces) noexcept {
+  LogPieces({Detail::ViewOf(first), Detail::ViewOf(second), Detail::ViewOf(pieces)...});
 }
 
 }  // namespace Corvane

@@ -42,26 +42,6 @@ TEST_F(CouponGiving, IsRefusedUnderItsOwnTypeWord) {
   EXPECT_EQ(answer.Msg, "pro initialize failed" + xml);
 }
 
-TEST_F(CouponGiving, TheValueStandsOnTheSaleAndNoLineIsTouched) {
-  Give(OfferXml("ALL", TierXml("100", "10"), Coupon()));
-
-  const std::string sale = MzPromotion(SaleXml(LineXml(1, "A", "60", "1", "60") + LineXml(2, "B", "60", "1", "60")));
-
-  EXPECT_EQ(PrintedGroup(sale, "ProResult"),
-            R"(<ProResult>
-        <Data SerialNo="0" PluCode="*" DisNum="0.00" DisMoney="10.00" ProBillNo="Q1" ProType="MZZQ" IsVip="0" VipType="" />
-    </ProResult>)");
-  EXPECT_EQ(Held(sale, "Plu", "Total"), (Texts{"60.00", "60.00"}));
-  EXPECT_EQ(PrintedGroup(sale, "Apportion"), "<Apportion />");
-}
-
-// The coupons made stay with the rule; what goes out is what the sale brought in.
-TEST_F(CouponGiving, GivenCouponsDoNotGoOutWithTheSale) {
-  Give(OfferXml("ALL", TierXml("100", "10"), Coupon()));
-
-  EXPECT_EQ(PrintedGroup(MzPromotion(OneLineOf("100")), "ProCoupons"), "<ProCoupons />");
-}
-
 TEST_F(CouponGiving, TheLogTellsTheScheme) {
   Give(OfferXml("ALL", TierXml("100", "10") + TierXml("30", "2"), Coupon()));
 
@@ -90,12 +70,6 @@ TEST_F(CouponGiving, ASchemeWithoutActionsIsPassedOver) {
                                               "赠券方案内满足的金额100.000000", "真实赠券额10.000000"}}));
 }
 
-TEST_F(CouponGiving, ASchemeThatIsNotReachedWritesNothing) {
-  Give(OfferXml("ALL", TierXml("100", "10"), Coupon()));
-
-  EXPECT_EQ(PrintedGroup(MzPromotion(OneLineOf("99.99")), "ProResult"), "<ProResult />");
-}
-
 // "B" alone: 60.00 reach 50.
 TEST_F(CouponGiving, ChosenLinesCountAlone) {
   Give(OfferXml(
@@ -120,90 +94,12 @@ TEST_F(CouponGiving, ChosenLinesThatAreNotThereEndTheSchemeBeforeItsAmountIsTold
   EXPECT_EQ(AfterReading(TakeLog()), Joined({BaseConditionsMet(), {"赠券方案个数1", "赠券方案内的行为个数1"}}));
 }
 
-// The amount is 0: only the threshold of 0 is reached.
-TEST_F(CouponGiving, AnAreaThatIsNoneReachesAThresholdOfNothingOnly) {
-  Give(OfferXml("all", TierXml("0", "5") + TierXml("1", "50"), Coupon()));
-
-  EXPECT_EQ(Held(MzPromotion(OneLineOf("100")), "ProResult", "DisMoney"), Texts{"5.00"});
-  EXPECT_TRUE(Holds(TakeLog(), "赠券方案内满足的金额0.000000"));
-}
-
-// The lines' totals as they stand: a reduction that lowered them counts, and what it marked as taken doesn't.
-TEST_F(CouponGiving, TheWholeSaleIsItsTotalsAsTheyStand) {
-  Offer("'M1','L1','ALL',0,'0'");
-  Tier("'M1','L1',100,10,0,0,0");
-  LoadRule("M1", "MZMJ", R"(JzDate="2026-02-01")");
-  Give(OfferXml("ALL", TierXml("90", "9"), Coupon()));
-
-  const std::string sale = MzPromotion(OneLineOf("100"));
-
-  EXPECT_EQ(Held(sale, "ProResult", "DisMoney"), (Texts{"9.00", "10.00"}));
-  EXPECT_TRUE(Holds(TakeLog(), "赠券方案内满足的金额90.000000"));
-}
-
-// 60 of 150 count, and the remainder itself is those 60: 60 - 100 = -40 stays negative, so the threshold of 0 isn't
-// reached.
-TEST_F(CouponGiving, ANegativeRemainderIsNotRaised) {
-  Give(OfferXml("ALL", TierXml("100", "10", "0", "0", "60") + TierXml("0", "3"), Coupon()));
-
-  EXPECT_EQ(Held(MzPromotion(OneLineOf("150")), "ProResult", "DisMoney"), Texts{"10.00"});
-}
-
-TEST_F(CouponGiving, ARemainderOfNothingReachesAThresholdOfNothing) {
-  Give(OfferXml("ALL", TierXml("100", "10") + TierXml("0", "3"), Coupon()));
-
-  EXPECT_EQ(Held(MzPromotion(OneLineOf("100")), "ProResult", "DisMoney"), Texts{"13.00"});
-}
-
-// 300: 50 and (560 - 300) / 100 = 2 steps of 10; 60 left.
-TEST_F(CouponGiving, FurtherStepsGiveMore) {
-  Give(OfferXml("ALL", TierXml("300", "50", "100", "10") + TierXml("100", "10"), Coupon()));
-
-  EXPECT_EQ(Held(MzPromotion(OneLineOf("560")), "ProResult", "DisMoney"), Texts{"70.00"});
-}
-
 // 50, then 60 is cut to 55. The log has the sum before the cut.
 TEST_F(CouponGiving, TheSchemesCapHolds) {
   Give(OfferXml("ALL", TierXml("300", "50") + TierXml("100", "10"), Coupon(), R"(MaxDiscount="55")"));
 
   EXPECT_EQ(Held(MzPromotion(OneLineOf("460")), "ProResult", "DisMoney"), Texts{"55.00"});
   EXPECT_TRUE(Holds(TakeLog(), "真实赠券额60.000000"));
-}
-
-TEST_F(CouponGiving, EachSchemeWritesItsRow) {
-  Give(OfferXml("ALL", TierXml("100", "10"), Coupon()) + OfferXml("ALL", TierXml("50", "7"), Coupon()));
-
-  EXPECT_EQ(Held(MzPromotion(OneLineOf("100")), "ProResult", "DisMoney"), (Texts{"10.00", "14.00"}));
-}
-
-// 120 = 50 + 50 + 20.
-TEST_F(CouponGiving, ASumIsCutIntoTheLargestDenominations) { EXPECT_EQ(GivenOf("120", {"20", "50"}), "120.00"); }
-
-TEST_F(CouponGiving, WhatCannotBeCutIsNotGiven) { EXPECT_EQ(GivenOf("125.5", {"20", "50"}), "120.00"); }
-
-// 60 = 50, and 10 can't be cut; 20 + 20 + 20 would fit, but the largest is taken first.
-TEST_F(CouponGiving, TheLargestIsTakenFirstEvenIfTheRestIsLost) { EXPECT_EQ(GivenOf("60", {"20", "50"}), "50.00"); }
-
-TEST_F(CouponGiving, DenominationsAboveTheSumGiveNothingAndWriteTheRow) {
-  EXPECT_EQ(GivenOf("10", {"20", "50"}), "0.00");
-}
-
-// 0.3 less 0.1 less 0.1 is a hair below 0.1 in doubles.
-TEST_F(CouponGiving, ARestAHairBelowADenominationIsNotCut) { EXPECT_EQ(GivenOf("0.3", {"0.1"}), "0.20"); }
-
-TEST_F(CouponGiving, WithoutDenominationsTheWholeSumIsOneCoupon) { EXPECT_EQ(GivenOf("125.5", {}), "125.50"); }
-
-TEST_F(CouponGiving, WithoutTheMarkDenominationsAreNotUsed) { EXPECT_EQ(GivenOf("125.5", {"20", "50"}, ""), "125.50"); }
-
-// The mark counts by being there.
-TEST_F(CouponGiving, TheMarkHoldsWhateverItSays) { EXPECT_EQ(GivenOf("125.5", {"20"}, R"(IsDenom="0")"), "120.00"); }
-
-// The coupon's header may stand on the group or on a row in it.
-TEST_F(CouponGiving, TheMarkMayStandOnARowOfTheGroup) {
-  Give(
-      OfferXml("ALL", TierXml("100", "125"), R"(<CouponType><Row IsDenom="1"/></CouponType>)" + Denominations({"20"})));
-
-  EXPECT_EQ(Held(MzPromotion(OneLineOf("100")), "ProResult", "DisMoney"), Texts{"120.00"});
 }
 
 // Nothing can be cut into nothing, and the log says so.
@@ -245,98 +141,6 @@ TEST_F(CouponGiving, StepsAreNotBounded) {
   Give(OfferXml("ALL", TierXml("1", "0.5", "0.0000001", "0.5"), Coupon()));
 
   EXPECT_EQ(Held(MzPromotion(OneLineOf("200")), "ProResult", "DisMoney"), Texts{"995000000.50"});
-}
-
-TEST_F(CouponGiving, ARuleOfTheNumberStarGivesNoCoupons) {
-  Give(OfferXml("ALL", TierXml("100", "120"), Coupon()), "", "*");
-
-  EXPECT_EQ(Held(MzPromotion(OneLineOf("100")), "ProResult", "DisMoney"), Texts{"0.00"});
-}
-
-TEST_F(CouponGiving, ARuleOfTheNumberStarCutsNoCoupons) {
-  Give(OfferXml("ALL", TierXml("100", "120"), Coupon(R"(IsDenom="1")") + Denominations({"50", "20"})), "", "*");
-
-  EXPECT_EQ(Held(MzPromotion(OneLineOf("100")), "ProResult", "DisMoney"), Texts{"0.00"});
-}
-
-// A second pass finds the rule's own row on the sale.
-TEST_F(CouponGiving, ASaleGetsItsCouponsOnce) {
-  Give(OfferXml("ALL", TierXml("100", "10"), Coupon()), R"(Primary="DJ")");
-  MzPromotion(OneLineOf("100"));
-  TakeLog();
-
-  EXPECT_EQ(Held(MzPromotion(OneLineOf("100")), "ProResult", "DisMoney"), Texts{"10.00"});
-  EXPECT_EQ(AfterReading(TakeLog()), Texts{});
-}
-
-// The ceiling meets rows that an earlier rule of this number left on the lines, not the value given: 3.00 become 1.00.
-TEST_F(CouponGiving, TheCeilingIsForRowsOnLines) {
-  Offer("'Q1','L1','ALL',0,'0'");
-  Tier("'Q1','L1',30,3,0,0,0");
-  LoadRule("Q1", "MZMJ");
-  const std::string lines =
-      LineXml(1, "A", "10", "1", "10") + LineXml(2, "B", "10", "1", "10") + LineXml(3, "C", "10", "1", "10");
-  MzPromotion(SaleXml(lines));
-  Give(OfferXml("ALL", TierXml("20", "8"), Coupon()), R"(MaxYhType="1" MaxYhValue="1")");
-  TakeLog();
-
-  const std::string sale = MzPromotion(AsItStands());
-
-  EXPECT_EQ(Held(sale, "ProResult", "DisMoney"), (Texts{"8.00", "0.33", "0.33", "0.33"}));
-  EXPECT_EQ(AfterReading(TakeLog()).back(), "真实赠券额8.000000");
-}
-
-// Unlike one that takes coupons, such a rule keeps to its time.
-TEST_F(CouponGiving, ARuleOutOfItsTimeGivesNothing) {
-  ASSERT_EQ(
-      Load("MZYQ", RuleXml("Q1", "MZZQ", "",
-                           R"(<OrgFilter><Row OrgCode="*"/></OrgFilter>)"
-                           R"(<ProTime><Row StartDate="2000-01-01" EndDate="2000-12-31" Frequency="DAY"/></ProTime>)" +
-                               OfferXml("ALL", TierXml("100", "10"), Coupon()),
-                           true))
-          .Code,
-      0);
-
-  EXPECT_EQ(PrintedGroup(MzPromotion(OneLineOf("100")), "ProResult"), "<ProResult />");
-  EXPECT_EQ(AfterReading(TakeLog()), Texts{"时间条件不满足"});
-}
-
-// The coupon step asks no type word: a rule that gives coupons takes some too, as long as it hasn't given any.
-TEST_F(CouponGiving, InTheCouponModeTheRuleTakesCoupons) {
-  Give(OfferXml("ALL", TierXml("100", "10"), Coupon()));
-
-  const std::string sale = Result(
-      "Coupon", SaleXml(LineXml(1, "A", "100", "1", "100"), R"(<Coupon><Row BillNo="K1" CouponValue="4"/></Coupon>)"));
-
-  EXPECT_EQ(Held(sale, "ProResult", "DisMoney"), (Texts{"4.00", "4.00"}));
-  EXPECT_EQ(Held(sale, "ProResult", "ProType"), (Texts{"MZZQ", "MZZQ"}));
-  EXPECT_EQ(Held(sale, "Plu", "Total"), Texts{"96.00"});
-}
-
-TEST_F(CouponGiving, AfterGivingCouponsTheRuleTakesNone) {
-  Give(OfferXml("ALL", TierXml("100", "10"), Coupon()));
-  MzPromotion(OneLineOf("100"));
-
-  const std::string sale = Result("Coupon", R"(<Sale><Coupon><Row BillNo="K1" CouponValue="4"/></Coupon></Sale>)");
-
-  EXPECT_EQ(Held(sale, "ProResult", "DisMoney"), Texts{"10.00"});
-  EXPECT_EQ(Held(sale, "ProCoupons", "Value"), Texts{"4"});
-}
-
-// A rule that takes coupons gives none.
-TEST_F(CouponGiving, ARuleThatTakesCouponsDoesNotRunHere) {
-  LoadRule("K1", "MZYQ", "", OfferXml("ALL", TierXml("100", "10"), Coupon()));
-
-  EXPECT_EQ(PrintedGroup(MzPromotion(OneLineOf("100")), "ProResult"), "<ProResult />");
-}
-
-// A rule of another class with this type word has no such step.
-TEST_F(CouponGiving, ARuleOfAnotherClassUnderThisTypeWordGivesNothing) {
-  Offer("'M1','L1','ALL',0,'0'");
-  Tier("'M1','L1',30,10,0,0,0");
-  ASSERT_EQ(Load("MZMJ", RuleXml("M1", "MZZQ")).Code, 0);
-
-  EXPECT_EQ(PrintedGroup(MzPromotion(OneLineOf("100")), "ProResult"), "<ProResult />");
 }
 
 TEST_F(CouponGiving, OddHeadersDoNoHarm) {

@@ -54,10 +54,9 @@ const Columns& OfferRowColumns() {
 }
 
 const Columns& CouponColumns() {
-  static const Columns columns = {
-      {"SendSaleNo", "SendSaleNo"}, {"BillNo", "BillNo"},   {"CouponTypeCode", "CouponTypeCode"},
-      {"BgnDate", "BgnDate"},       {"EndDate", "EndDate"}, {"Value", "Value"},
-      {"Remark", "Remark"}};
+  static const Columns columns = {{"sale", "SendSaleNo"}, {"number", "BillNo"}, {"coupon", "CouponTypeCode"},
+                                  {"from", "BgnDate"},    {"to", "EndDate"},    {"value", "Value"},
+                                  {"remark", "Remark"}};
   return columns;
 }
 

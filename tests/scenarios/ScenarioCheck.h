@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tests/scenarios/ScenarioFile.h"
+#include "tests/scenarios/ScenarioXml.h"
 #include "tests/support/Till.h"
 
 namespace Corvane::Testing {
@@ -15,6 +16,7 @@ namespace Corvane::Testing {
 struct Outcome {
   Answer Call;
   std::vector<std::string> Log;
+  HeldLines Before;        ///< the sale's lines as the call found them
   bool WritesSale = true;  ///< a success brings a result XML
   bool HasOffers = true;   ///< that XML has groups of offers and coupons
 };
@@ -36,6 +38,7 @@ class ScenarioCheck {
   void CompareSentence(const Step& step);
   void CompareAnswer(const Step& step, const std::string& code, const std::string& msg);
   void CompareLines(const Step& step);
+  void CompareUnchanged(const Step& step);
   void CompareDiscounts(const Step& step);
   void CompareApportions(const Step& step);
   void CompareOffers(const Step& step);
@@ -43,7 +46,11 @@ class ScenarioCheck {
   void CompareLog(const Step& step, const std::string& entry, long count);
   void CompareUntold(const Act& act);
 
+  Step WithUnusedOffers(const Step& step) const;
+  Step WithLinesBefore(const Step& step) const;
   Step WithUsualColumns(const Step& step) const;
+  std::string OnlyRule(int line) const;
+  std::string CountBefore(const std::string& line) const;
   void CompareRows(const Step& told, const std::string& what, const std::vector<Cells>& actual);
   void Report(int line, const std::string& text);
 

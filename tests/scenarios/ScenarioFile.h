@@ -45,16 +45,26 @@ struct Act {
   std::vector<Step> Expectations;
 };
 
-/// A scenario as README.md describes its format.
-struct ScenarioFile {
-  std::string Headline;
-  std::string Story;
-  std::vector<Act> Acts;
+/// A line of a scenario file.
+struct TextLine {
+  int Number = 0;  ///< from 1
+  std::string Text;
 };
 
-/// Reads a scenario's text.
+/// One scenario of a file: the file's background, then the scenario's own lines from its headline on, with one row of
+/// its examples filled in.
+struct ScenarioText {
+  std::string Headline;  ///< with the case of the example behind it
+  std::vector<TextLine> Lines;
+};
+
+/// The scenarios of a file, one for each row of examples where a scenario has them.
+/// @throws ScenarioError for a file without a scenario, and for examples that nobody fills in.
+std::vector<ScenarioText> ScenariosOf(const std::string& text);
+
+/// What happens in a scenario, as README.md describes the format.
 /// @throws ScenarioError for a line that is no part of the format, a table that isn't rectangular, a missing headline.
-ScenarioFile ReadScenario(const std::string& text);
+std::vector<Act> ReadScenario(const ScenarioText& text);
 
 }  // namespace Corvane::Testing
 

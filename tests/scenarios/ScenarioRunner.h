@@ -16,9 +16,9 @@ class ScenarioRunner : public Till {
  protected:
   void SetUp() override;
 
-  /// Plays a scenario's text from its first sentence to its last.
+  /// Plays a scenario from its first sentence to its last.
   /// @return what differs from what it tells, and what in it can't be understood; empty when it all holds.
-  std::vector<std::string> Play(const std::string& text);
+  std::vector<std::string> Play(const ScenarioText& text);
 
  private:
   void PlayAct(const Act& act);
@@ -28,6 +28,7 @@ class ScenarioRunner : public Till {
   Outcome Calculate(const Act& act, const std::string& key, const std::string& mode);
 
   RuleTypes m_types;
+  std::map<std::string, HeldLines> m_lines;      ///< of each sale, by its key
   std::map<std::string, std::string> m_results;  ///< the last result XML of each sale, by its key
   std::vector<std::string> m_differences;
 };

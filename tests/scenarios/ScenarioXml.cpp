@@ -1,6 +1,8 @@
 #include "tests/scenarios/ScenarioXml.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <iomanip>
 #include <iterator>
 #include <map>
 #include <regex>
@@ -9,13 +11,12 @@
 #include <utility>
 #include <vector>
 
+#include "tests/scenarios/ScenarioWords.h"
 #include "tests/support/Till.h"
 
 namespace Corvane::Testing {
 
 namespace {
-
-using Attributes = std::vector<std::pair<std::string, std::string>>;
 
 std::string Escaped(const std::string& value) {
   static const std::map<char, std::string> kEntities = {
@@ -37,9 +38,6 @@ std::string Written(const Attributes& attributes) {
 std::string Element(const std::string& name, const Attributes& attributes) {
   return "<" + name + Written(attributes) + "/>";
 }
-
-/// A cell's value: two quotes stand for the empty text.
-std::string ValueOf(const std::string& cell) { return cell == "\"\"" ? "" : cell; }
 
 /// The words of the shop for attributes; other columns bear the attribute's own name.
 std::string AttributeOf(const std::string& column) {
@@ -71,12 +69,6 @@ Attributes WithUsual(const Attributes& usual, const Attributes& own) {
   return all;
 }
 
-std::string Group(const std::string& name, const Table& table, const Attributes& usual = {}) {
-  std::string rows;
-  for (const Cells& row : table.Rows) rows += Element("Row", WithUsual(usual, AttributesOf(table, row)));
-  return "<" + name + ">" + rows + "</" + name + ">";
-}
-
 // --- Rules ----------------------------------------------------------------------------------------------------------
 
 /// "Primary DZ, MaxYhType 2" as header attributes.
@@ -93,35 +85,96 @@ std::string HeaderOf(const Step& step, const std::string& values) {
   return Written(header);
 }
 
-std::string RuleGroup(const Step& step, const std::string& name) {
-  static const std::set<std::string> kNames = {"OrgFilter", "ProTime",      "PayMode",  "Vip",
-                                               "ProCtr",    "CardNoFilter", "PluAction"};
-  if (kNames.count(name) == 0) throw ScenarioError(step.Line, "a rule doesn't have this group: " + name);
-  RequireTable(step);
-  return Group(name, step.Rows);
-}
+std::string Quoted(const std::string& value) { return "'" + std::regex_replace(value, std::regex("'"), "''") + "'"; }
 
-std::string Quoted(const std::string& value) {
-  return "'" + std::regex_replace(ValueOf(value), std::regex("'"), "''") + "'";
-}
-
-/// An empty cell leaves the column to the table's default.
-std::string InsertOf(const std::string& billNo, const std::string& into, const Table& table, const Cells& row) {
+/// A name that is left out goes to the table's default.
+std::string InsertOf(const std::string& billNo, const std::string& into, const Attributes& row) {
   std::string columns = "BillNo";
   std::string values = Quoted(billNo);
-  for (std::size_t place = 0; place < row.size(); ++place) {
-    if (row[place].empty()) continue;
-    columns += "," + table.Columns[place];
-    values += "," + Quoted(row[place]);
+  for (const auto& [name, value] : row) {
+    columns += "," + name;
+    values += "," + Quoted(value);
   }
   return "insert into " + into + " (" + columns + ") values (" + values + ");";
 }
 
-std::string InsertsOf(const std::string& billNo, const std::string& into, const Step& step) {
+/// A list of offers in a rule's XML.
+struct XmlList {
+  Attributes Head;
+  std::map<std::string, std::string> Groups;  ///< rows by the group's name
+  std::string Entries;
+};
+
+/// A rule as its "And" sentences make it.
+struct RuleParts {
+  std::string Statements;
+  std::map<std::string, int> Counts;  ///< rows of each table so far
+  std::string Groups;
+  std::map<std::string, XmlList> Lists;
+};
+
+/// A row without a number has its place as number, and one without a list is of the list "0".
+void AddStoreRow(const RowsPlace& place, const std::string& billNo, Attributes row, RuleParts& parts) {
+  const int count = ++parts.Counts[place.Name];
+  const auto setUsual = [&](const char* word, const std::string& value) {
+    const auto found = place.Columns.find(word);
+    if (found != place.Columns.end() && !HasName(row, found->second.Column))
+      row.emplace_back(found->second.Column, value);
+  };
+  setUsual("row", std::to_string(count));
+  setUsual("list", "0");
+  parts.Statements += InsertOf(billNo, place.Name, row);
+}
+
+/// A row without a list is of the list "0".
+void AddListRow(const RowsPlace& place, const Attributes& row, RuleParts& parts) {
+  Attributes own;
+  std::string code = "0";
+  for (const auto& [name, value] : row) {
+    if (name == "list") {
+      code = value;
+    } else {
+      own.emplace_back(name, value);
+    }
+  }
+  XmlList& list = parts.Lists[code];
+  if (place.Where == RowsPlace::Kind::ListHead) {
+    list.Head = own;
+  } else if (place.Where == RowsPlace::Kind::ListEntry) {
+    list.Entries += Element(place.Name, own);
+  } else {
+    list.Groups[place.Name] += Element("Row", own);
+  }
+}
+
+void AddRows(const RowsPlace& place, const Step& step, const std::string& billNo, RuleParts& parts) {
   RequireTable(step);
-  std::string statements;
-  for (const Cells& row : step.Rows.Rows) statements += InsertOf(billNo, into, step.Rows, row);
-  return statements;
+  std::string rows;
+  for (const Cells& cells : step.Rows.Rows) {
+    const Attributes row = RowOf(step, cells, place.Columns);
+    switch (place.Where) {
+      case RowsPlace::Kind::Store:
+        AddStoreRow(place, billNo, row, parts);
+        break;
+      case RowsPlace::Kind::Group:
+        rows += Element("Row", row);
+        break;
+      default:
+        AddListRow(place, row, parts);
+    }
+  }
+  if (place.Where == RowsPlace::Kind::Group) parts.Groups += "<" + place.Name + ">" + rows + "</" + place.Name + ">";
+}
+
+/// A list that says nothing else counts the whole sale.
+std::string ListsOf(const RuleParts& parts) {
+  std::string text;
+  for (const auto& [code, list] : parts.Lists) {
+    text += "<ProList" + Written(WithUsual({{"ConAreaType", "ALL"}}, list.Head)) + ">" + list.Entries;
+    for (const auto& [name, rows] : list.Groups) text += "<" + name + ">" + rows + "</" + name + ">";
+    text += "</ProList>";
+  }
+  return text;
 }
 
 bool Holds(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
@@ -134,18 +187,14 @@ std::string WithUsualGroups(const std::string& own) {
   return groups + own;
 }
 
-/// Adds one "And its ..." to a rule.
-void AddPart(const Step& part, ScenarioRule& rule, std::string& groups) {
-  static const std::regex kRows(R"(its rows in (\w+))");
-  static const std::regex kGroup(R"(its group (\w+))");
-  std::smatch found;
-  if (std::regex_match(part.Text, found, kRows)) {
-    rule.Statements += InsertsOf(rule.BillNo, found[1], part);
-  } else if (std::regex_match(part.Text, found, kGroup)) {
-    groups += RuleGroup(part, found[1]);
+/// Adds one "And ..." to a rule.
+void AddPart(const Step& part, const std::string& billNo, RuleParts& parts) {
+  const RowsPlace* place = RowsPlaceOf(part.Text);
+  if (place != nullptr) {
+    AddRows(*place, part, billNo, parts);
   } else if (part.Text == "its own XML is") {
     RequireBlock(part);
-    groups += part.Block;
+    parts.Groups += part.Block;
   } else {
     throw ScenarioError(part.Line, "a rule doesn't have this: " + part.Text);
   }
@@ -156,6 +205,55 @@ void AddPart(const Step& part, ScenarioRule& rule, std::string& groups) {
 Attributes UsualSale() { return {{"OrgCode", "S01"}, {"BillNo", "B1"}, {"IsCalc", "0"}}; }
 
 Attributes UsualLine() { return {{"PackCnt", "1"}, {"SaleDate", "2026-11-21"}, {"SaleTime", "10:00:00"}}; }
+
+std::string Number(double value) {
+  std::stringstream text;
+  text << std::setprecision(12) << value;
+  return text.str();
+}
+
+double NumberOf(const Attributes& attributes, const std::string& name) {
+  for (const auto& [own, value] : attributes) {
+    if (own == name) return std::atof(value.c_str());
+  }
+  return 0;
+}
+
+/// A line of a sale. Columns that the table doesn't have follow from those that it has: lines are counted from 1, a
+/// line is one piece, and total and price are what the other one and the count make them.
+Attributes LineOf(const Table& table, std::size_t place) {
+  Attributes line = WithUsual(UsualLine(), AttributesOf(table, table.Rows[place]));
+  const auto add = [&](const char* word, const std::string& value) {
+    if (!table.HasColumn(word)) line.emplace_back(AttributeOf(word), value);
+  };
+  add("line", std::to_string(place + 1));
+  add("count", "1");
+  if (table.HasColumn("price")) {
+    add("total", Number(NumberOf(line, "Price") * NumberOf(line, "PluCount")));
+  } else {
+    add("price", Number(NumberOf(line, "Total") / NumberOf(line, "PluCount")));
+  }
+  return line;
+}
+
+std::string Fixed(double value, int decimals) {
+  std::stringstream text;
+  text << std::fixed << std::setprecision(decimals) << value;
+  return text.str();
+}
+
+std::string TextOf(const Attributes& attributes, const std::string& name) {
+  for (const auto& [own, value] : attributes) {
+    if (own == name) return value.empty() ? "\"\"" : value;
+  }
+  return "\"\"";
+}
+
+std::string LinesGroup(const Table& table) {
+  std::string rows;
+  for (std::size_t place = 0; place < table.Rows.size(); ++place) rows += Element("Row", LineOf(table, place));
+  return "<Plu>" + rows + "</Plu>";
+}
 
 /// What the cashier picked on one row of one offer.
 struct Pick {
@@ -229,7 +327,12 @@ std::string SaleGroupOf(const Step& part, const std::string& lastResult) {
   if (part.Text == "the offers come back with") return OffersBack(part, lastResult);
   const auto group = kGroups.find(part.Text);
   if (group == kGroups.end()) throw ScenarioError(part.Line, "a sale doesn't have this: " + part.Text);
-  return Group(group->second, part.Rows);
+  std::string rows;
+  for (const Cells& row : part.Rows.Rows) {
+    const bool isGift = group->second == "Gift";
+    rows += Element("Row", isGift ? AttributesOf(part.Rows, row) : RowOf(part, row, SaleWords(group->second)));
+  }
+  return "<" + group->second + ">" + rows + "</" + group->second + ">";
 }
 
 Attributes SaleHeaderOf(const Step& part) {
@@ -250,16 +353,39 @@ ScenarioRule RuleOf(const Act& act) {
   rule.BillNo = found[1];
   rule.ProType = found[2];
   rule.LoadType = found[3].matched ? found[3] : found[2];
-  std::string groups;
-  for (const Step& part : act.Parts) AddPart(part, rule, groups);
-  rule.Xml = RuleXml(rule.BillNo, rule.ProType, HeaderOf(act.Head, found[4]), WithUsualGroups(groups), true);
+  RuleParts parts;
+  for (const Step& part : act.Parts) AddPart(part, rule.BillNo, parts);
+  rule.Statements = parts.Statements;
+  const std::string groups = WithUsualGroups(parts.Groups + ListsOf(parts));
+  rule.Xml = RuleXml(rule.BillNo, rule.ProType, HeaderOf(act.Head, found[4]), groups, true);
   return rule;
+}
+
+void Hold(HeldLines& lines, const HeldLine& line) {
+  const auto old =
+      std::find_if(lines.begin(), lines.end(), [&](const HeldLine& one) { return one.SerialNo == line.SerialNo; });
+  if (old == lines.end()) {
+    lines.push_back(line);
+  } else {
+    *old = line;
+  }
+}
+
+HeldLines WithSentLines(HeldLines lines, const Step& sentence) {
+  for (std::size_t place = 0; place < sentence.Rows.Rows.size(); ++place) {
+    const Attributes line = LineOf(sentence.Rows, place);
+    const double count = NumberOf(line, "PluCount");
+    const double total = NumberOf(line, "Total");
+    Hold(lines, {TextOf(line, "SerialNo"), TextOf(line, "PluCode"), Fixed(count, 2), Fixed(total, 2),
+                 Fixed(total / count, 4)});
+  }
+  return lines;
 }
 
 std::string SaleOf(const Act& act, const std::string& lastResult) {
   Attributes header = UsualSale();
   std::string groups;
-  if (!act.Head.Rows.Columns.empty()) groups = Group("Plu", act.Head.Rows, UsualLine());
+  if (!act.Head.Rows.Columns.empty()) groups = LinesGroup(act.Head.Rows);
   for (const Step& part : act.Parts) {
     if (part.Text == "its header is") {
       header = WithUsual(UsualSale(), SaleHeaderOf(part));

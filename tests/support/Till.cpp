@@ -323,11 +323,6 @@ DirectRow& DirectRow::Dsc(const std::string& type, const std::string& price, con
   return *this;
 }
 
-DirectRow& DirectRow::InRange(const std::string& word) {
-  m_inRange = word;
-  return *this;
-}
-
 DirectRow& DirectRow::SaleCount(const std::string& count) {
   m_saleCount = count;
   return *this;
@@ -339,7 +334,7 @@ DirectRow& DirectRow::AtMost(const std::string& count) {
 }
 
 std::string DirectRow::Insert() const {
-  const std::string texts = "'" + m_code + "','" + m_type + "','" + m_inRange + "','" + m_dscType + "'";
+  const std::string texts = "'" + m_code + "','" + m_type + "','IN','" + m_dscType + "'";
   return "insert into tProPrjDirectProAct (BillNo,SerialNo,PluCode,PluType,InRange,DscType,DscPrice,DscRate,SaleCount,"
          "TradeMaxCount) values ('" +
          m_billNo + "'," + std::to_string(m_serialNo) + "," + texts + "," + m_price + "," + m_rate + "," + m_saleCount +

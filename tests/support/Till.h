@@ -114,8 +114,6 @@ class DirectRow {
   DirectRow& PercentOff(const std::string& rate) { return Dsc("RAT", "0", rate); }  ///< percent taken off
   DirectRow& MoneyOff(const std::string& amount) { return Dsc("2", amount, "0"); }  ///< money off each piece
   DirectRow& Dsc(const std::string& type, const std::string& price, const std::string& rate);
-  DirectRow& InRange(const std::string& word);  ///< "IN" unless told
-  DirectRow& Except() { return InRange("NOT"); }
   DirectRow& SaleCount(const std::string& count);
   DirectRow& AtMost(const std::string& count);  ///< `TradeMaxCount`
   /// The statement that writes the row.
@@ -126,7 +124,6 @@ class DirectRow {
   int m_serialNo;
   std::string m_code;
   std::string m_type;
-  std::string m_inRange = "IN";
   std::string m_dscType;
   std::string m_price = "0";
   std::string m_rate = "0";

@@ -100,19 +100,6 @@ TEST_F(BaseCondition, WithoutAMatchingTimeRowIsRefused) {
   EXPECT_EQ(Logged(), (Entries{"时间条件不满足"}));
 }
 
-TEST_F(BaseCondition, OneMatchingTimeRowIsEnough) {
-  m_rule.Times = {Past(), Days("2026-11-21", "2026-11-21"), Past()};
-  EXPECT_TRUE(Check());
-  EXPECT_EQ(Logged(), kPassed);
-}
-
-TEST_F(BaseCondition, TheFirstLineTellsTheTime) {
-  m_sale.Plus = {LineOn("2026-11-21", "10:00:00"), LineOn("2020-11-21", "10:00:00")};
-  EXPECT_TRUE(Check());
-  m_sale.Plus = {LineOn("2020-11-21", "10:00:00"), LineOn("2026-11-21", "10:00:00")};
-  EXPECT_FALSE(Check());
-}
-
 TEST_F(BaseCondition, TheHourOfTheFirstLineIsAskedFor) {
   m_rule.Times[0].StartTime = "10:00:01";
   m_rule.Times[0].EndTime = "23:59:59";
@@ -128,24 +115,11 @@ TEST_F(BaseCondition, ACouponRuleWithoutTimeRowsPassesTheTime) {
   EXPECT_EQ(Logged(), kPassed);
 }
 
-TEST_F(BaseCondition, ACouponRuleThatIsOutOfDatePassesTheTime) {
-  m_rule.Info.ProType = "MZYQ";
-  m_rule.Times = {Past()};
-  EXPECT_TRUE(Check());
-  EXPECT_EQ(Logged(), kPassed);
-}
-
 TEST_F(BaseCondition, ACouponRuleHasItsOtherStages) {
   m_rule.Info.ProType = "MZYQ";
   m_rule.OrgFilters = {Org("B")};
   EXPECT_FALSE(Check());
   EXPECT_EQ(Logged(), (Entries{"时间满足", "组织条件不满足"}));
-}
-
-TEST_F(BaseCondition, ASaleWithoutLinesMeetsNoTime) {
-  m_sale.Plus.clear();
-  EXPECT_FALSE(Check());
-  EXPECT_EQ(Logged(), (Entries{"时间条件不满足"}));
 }
 
 TEST_F(BaseCondition, ASaleWithoutLinesMeetsARuleWithoutTimeRowsSilently) {
@@ -176,12 +150,6 @@ TEST_F(BaseCondition, AnotherOrganisationIsRefused) {
   EXPECT_EQ(Logged(), (Entries{"时间满足", "组织条件不满足"}));
 }
 
-TEST_F(BaseCondition, OneOrganisationIsEnough) {
-  m_rule.OrgFilters = {Org("B"), Org("A"), Org("C")};
-  EXPECT_TRUE(Check());
-  EXPECT_EQ(Logged(), kPassed);
-}
-
 TEST_F(BaseCondition, AStarIsEveryOrganisation) {
   m_rule.OrgFilters = {Org("B"), Org("*")};
   EXPECT_TRUE(Check());
@@ -207,37 +175,10 @@ TEST_F(BaseCondition, AnotherMemberTypeIsRefused) {
   EXPECT_EQ(Logged(), (Entries{"时间满足", "组织满足", "会员条件不满足"}));
 }
 
-TEST_F(BaseCondition, AnyMemberOfTheSaleMeetsAnyMemberRow) {
-  m_rule.Vips = {Vip("01"), Vip("02")};
-  m_sale.Vips = {Vip("03"), Vip("01")};
-  EXPECT_TRUE(Check());
-  EXPECT_EQ(Logged(), kPassed);
-}
-
 TEST_F(BaseCondition, ASaleWithoutMembersIsRefusedSilently) {
   m_rule.Vips = {Vip("01")};
   EXPECT_FALSE(Check());
   EXPECT_EQ(Logged(), (Entries{"时间满足", "组织满足"}));
-}
-
-// The last row is tested first, and without members it ends the stage: the "*" in front is never reached.
-TEST_F(BaseCondition, AStarInFrontOfAMemberTypeIsNotReachedWithoutMembers) {
-  m_rule.Vips = {Vip("*"), Vip("01")};
-  EXPECT_FALSE(Check());
-  EXPECT_EQ(Logged(), (Entries{"时间满足", "组织满足"}));
-}
-
-TEST_F(BaseCondition, AStarBehindAMemberTypePassesWithoutMembers) {
-  m_rule.Vips = {Vip("01"), Vip("*")};
-  EXPECT_TRUE(Check());
-  EXPECT_EQ(Logged(), kPassed);
-}
-
-TEST_F(BaseCondition, AStarInFrontIsReachedWithMembers) {
-  m_rule.Vips = {Vip("*"), Vip("01")};
-  m_sale.Vips = {Vip("02")};
-  EXPECT_TRUE(Check());
-  EXPECT_EQ(Logged(), kPassed);
 }
 
 TEST_F(BaseCondition, ANullMemberTypeIsTheEmptyText) {
@@ -257,46 +198,7 @@ TEST_F(BaseCondition, WithoutAMatchingPaymentIsRefused) {
   EXPECT_EQ(Logged(), (Entries{"时间满足", "组织满足", "会员满足", "支付条件不满足"}));
 }
 
-TEST_F(BaseCondition, WithoutAnyPaymentIsRefused) {
-  m_rule.PayModes = {Pay("01", 0)};
-  EXPECT_FALSE(Check());
-  EXPECT_EQ(Logged(), (Entries{"时间满足", "组织满足", "会员满足", "支付条件不满足"}));
-}
-
-TEST_F(BaseCondition, AnyPaymentMeetsAnyPaymentRow) {
-  m_rule.PayModes = {Pay("01", 100), Pay("02", 300)};
-  m_sale.Pays = {Pay("02", 200), Pay("01", 100)};
-  EXPECT_TRUE(Check());
-  EXPECT_EQ(Logged(), kPassed);
-}
-
-// What several payments bring together doesn't count.
-TEST_F(BaseCondition, OnePaymentHasToBringTheMoney) {
-  m_rule.PayModes = {Pay("01", 100)};
-  m_sale.Pays = {Pay("01", 50), Pay("01", 60)};
-  EXPECT_FALSE(Check());
-}
-
-TEST_F(BaseCondition, APaymentOfNoStatedAmountPasses) {
-  m_rule.PayModes = {Pay("01", 100)};
-  m_sale.Pays = {Pay("01", 0)};
-  EXPECT_TRUE(Check());
-}
-
-TEST_F(BaseCondition, AStarIsAnyWayOfPayingAndNoneToo) {
-  m_rule.PayModes = {Pay("*", 100), Pay("01", 100)};
-  EXPECT_TRUE(Check());
-  m_rule.PayModes = {Pay("01", 100), Pay("*", 100)};
-  EXPECT_TRUE(Check());
-}
-
 // --- The member type under which the rule acts -----------------------------------------------------------------------
-
-TEST_F(BaseCondition, TheMemberTypeIsThatOfTheFirstMember) {
-  m_rule.Vips = {Vip("02")};
-  m_sale.Vips = {Vip("01"), Vip("02")};
-  EXPECT_STREQ(m_rule.MemberText(m_sale), "01");
-}
 
 TEST_F(BaseCondition, TheMemberTypeIsEmptyWithoutMembersOrMemberRows) {
   EXPECT_STREQ(m_rule.MemberText(m_sale), "");

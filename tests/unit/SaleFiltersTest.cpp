@@ -36,17 +36,6 @@ ProTime Weekly(Text weekDays) {
   return row;
 }
 
-TEST(MatchTime, BothDatesAreInclusive) {
-  const ProTime row = Days("2026-11-20", "2026-11-22");
-  EXPECT_FALSE(MatchTime(row, "2026-11-19", "10:00:00"));
-  EXPECT_TRUE(MatchTime(row, "2026-11-20", "10:00:00"));
-  EXPECT_TRUE(MatchTime(row, "2026-11-21", "10:00:00"));
-  EXPECT_TRUE(MatchTime(row, "2026-11-22", "10:00:00"));
-  EXPECT_FALSE(MatchTime(row, "2026-11-23", "10:00:00"));
-}
-
-TEST(MatchTime, OneDayIsASpan) { EXPECT_TRUE(MatchTime(Days("2026-11-21", "2026-11-21"), "2026-11-21", "10:00:00")); }
-
 TEST(MatchTime, DatesAreComparedAsTexts) {
   const ProTime row = Days("2026-11-20", "2026-11-22");
   EXPECT_FALSE(MatchTime(row, "2026-11-2", "10:00:00"));
@@ -85,13 +74,6 @@ TEST(MatchTime, AnyFrequencyButWeekMeansEveryDay) {
   }
 }
 
-TEST(MatchTime, MonthDaysAreNeverTested) {
-  ProTime row = Days("2026-11-20", "2026-11-22");
-  row.Frequency = "MONTH";
-  row.MonthDays = "1,2";
-  EXPECT_TRUE(MatchTime(row, "2026-11-21", "10:00:00"));
-}
-
 // --- Time: weekdays --------------------------------------------------------------------------------------------------
 
 struct KnownDay {
@@ -116,8 +98,6 @@ TEST(MatchTime, KnowsTheWeekdayOfADate) {
   }
 }
 
-TEST(MatchTime, SundayIsZero) { EXPECT_TRUE(MatchTime(Weekly("0,6"), "2026-11-22", "10:00:00")); }
-
 // 2026-11-22 is a Sunday, which other calendars number 7.
 TEST(MatchTime, SevenInTheWeekdaysNeverMatches) {
   for (const Text date : {"2026-11-21", "2026-11-22", "2026-11-23", "2026-13-01", "2026-11"}) {
@@ -136,11 +116,6 @@ TEST(MatchTime, OneOfTheWeekdaysIsEnough) {
     SCOPED_TRACE(weekDays);
     EXPECT_FALSE(MatchTime(Weekly(weekDays), "2026-11-21", "10:00:00"));
   }
-}
-
-TEST(MatchTime, WithoutWeekdaysNoDayOfAWeeklyRowMatches) {
-  EXPECT_FALSE(MatchTime(Weekly(""), "2026-11-22", "10:00:00"));
-  EXPECT_FALSE(MatchTime(Weekly(nullptr), "2026-11-22", "10:00:00"));
 }
 
 TEST(MatchTime, AWeeklyRowStillAsksForTheDates) {
@@ -246,13 +221,6 @@ ProPayMode Pay(Text payMode, double money) {
   return row;
 }
 
-TEST(MatchPay, AsksForAtLeastTheMoney) {
-  EXPECT_FALSE(MatchPay(Pay("01", 100), "01", 50));
-  EXPECT_FALSE(MatchPay(Pay("01", 100), "01", 99.99));
-  EXPECT_TRUE(MatchPay(Pay("01", 100), "01", 100));
-  EXPECT_TRUE(MatchPay(Pay("01", 100), "01", 100.01));
-}
-
 TEST(MatchPay, APaymentOfNoStatedAmountMeetsEveryThreshold) {
   EXPECT_TRUE(MatchPay(Pay("01", 100), "01", 0));
   EXPECT_TRUE(MatchPay(Pay("01", 100), "01", -0.0));
@@ -270,12 +238,6 @@ TEST(MatchPay, AsksForTheSameWayOfPaying) {
 
 // Any way of paying is for the stage to grant, not for the row's test.
 TEST(MatchPay, AStarIsAWayOfPayingLikeAnyOther) { EXPECT_FALSE(MatchPay(Pay("*", 0), "01", 200)); }
-
-TEST(MatchPay, DoesNotLookAtTheCard) {
-  ProPayMode row = Pay("01", 100);
-  row.PayCardNo = "6222";
-  EXPECT_TRUE(MatchPay(row, "01", 100));
-}
 
 TEST(MatchPay, AnAmountThatIsNoNumberMeetsNothing) {
   EXPECT_FALSE(MatchPay(Pay("01", 0), "01", std::numeric_limits<double>::quiet_NaN()));

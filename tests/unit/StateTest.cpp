@@ -1,4 +1,5 @@
 // The state word, the status texts and the copying into host buffers.
+#include "engine/HostBuffer.h"
 #include "engine/ProState.h"
 
 #include <gtest/gtest.h>
