@@ -32,13 +32,13 @@ ProState& ProState::Instance() {
 }
 
 Text ProState::Word() {
-  if (state == nullptr) state = StateWord::kFree;
-  return state;
+  if (m_state == nullptr) m_state = StateWord::kFree;
+  return m_state;
 }
 
 std::int32_t ProState::Set(Text word, char* msg) {
   const bool known = FindState(word) != nullptr;
-  if (known) state = word;
+  if (known) m_state = word;
   CopyText(msg, StatusText(known ? Status::Success : Status::InvalidValue));
   return known ? 0 : -1;
 }

@@ -41,7 +41,7 @@ class ProState : public ProError {
   ProState() = default;
   Text Word();
 
-  Text state = nullptr;
+  Text m_state = nullptr;
 };
 
 }  // namespace Corvane

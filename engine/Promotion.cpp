@@ -59,18 +59,18 @@ Promotion& Promotion::Instance() {
 }
 
 void Promotion::LoadRule(RulePtr rule) {
-  RuleList next = rules;
+  RuleList next = m_rules;
   AddRule(next, std::move(rule));
   SortRules(next);
-  rules.swap(next);
+  m_rules.swap(next);
 }
 
 void Promotion::RemoveRules(Text billNo) {
   const bool all = SameIgnoringCase(billNo, "*");
-  rules.erase(
-      std::remove_if(rules.begin(), rules.end(),
+  m_rules.erase(
+      std::remove_if(m_rules.begin(), m_rules.end(),
                      [&](const RulePtr& rule) { return all || SameIgnoringCase(InfoOf(*rule).BillNo, billNo); }),
-      rules.end());
+      m_rules.end());
 }
 
 }  // namespace Corvane

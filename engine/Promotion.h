@@ -18,8 +18,8 @@ class Promotion : public ProError {
  public:
   static Promotion& Instance();
 
-  QnPosDBPro& Database() { return db; }
-  const RuleList& Rules() const { return rules; }
+  QnPosDBPro& Database() { return m_db; }
+  const RuleList& Rules() const { return m_rules; }
 
   /// Puts the rule into the slot of the last entry with exactly its number, which is dropped, or behind all others;
   /// then brings the rules into the order of calculation. An exception leaves the registry as it was.
@@ -34,8 +34,8 @@ class Promotion : public ProError {
  private:
   Promotion() = default;  // reads the settings of the database
 
-  RuleList rules;
-  QnPosDBPro db;
+  RuleList m_rules;
+  QnPosDBPro m_db;
 };
 
 }  // namespace Corvane

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/Calendar.h"
 #include "base/Numbers.h"
 
 namespace Corvane {
@@ -23,8 +24,6 @@ std::vector<std::int32_t> SplitNumbers(std::string_view text, char separator) {
     text.remove_prefix(end + 1);
   }
 }
-
-bool IsLeapYear(std::int64_t year) { return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0; }
 
 /// Leap years from 1901 up to but not including `year`; none for an earlier year.
 std::int64_t LeapYearsBefore(std::int64_t year) {

@@ -26,20 +26,6 @@ struct ProResult {
   bool IsVip = false;        ///< the rule acted through a member price
   Text VipType = "";         ///< member type, empty for none
 
-  ProResult() = default;
-  ProResult(Text proBillNo, Text primary, Text proType, double disNum, double disMoney, double newPrice, double yhMoney)
-      : ProResult(proBillNo, primary, proType, disNum, disMoney, newPrice, yhMoney, 0) {}
-  ProResult(Text proBillNo, Text primary, Text proType, double disNum, double disMoney, double newPrice, double yhMoney,
-            double baseMoney)
-      : ProBillNo(proBillNo),
-        Primary(primary),
-        ProType(proType),
-        DisNum(disNum),
-        DisMoney(disMoney),
-        NewPrice(newPrice),
-        BaseMoney(baseMoney),
-        YhMoney(yhMoney) {}
-
   /// The names of DisNum and DisMoney in an apportion row: it is the same record.
   double& AppNum() { return DisNum; }
   double AppNum() const { return DisNum; }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
+#include "base/Calendar.h"
 #include "base/Numbers.h"
 
 namespace Corvane {
@@ -26,8 +27,6 @@ struct Day {
   std::int64_t Month = 0;
   std::int64_t Number = 0;  ///< day of the month
 };
-
-bool IsLeapYear(std::int64_t year) { return year % 400 == 0 || (year % 4 == 0 && year % 100 != 0); }
 
 std::int64_t LengthOfYear(std::int64_t year) { return IsLeapYear(year) ? 366 : 365; }
 

@@ -75,28 +75,10 @@ TEST(SaleRecords, ANewResultHasZeroNumbersAndNoMember) {
   EXPECT_STREQ(row.VipType, "");
 }
 
-TEST(SaleRecords, AResultWithoutBaseMoneyStandsOnZero) {
-  const ProResult row("R1", "PT", "PTXS", 2, 3, 4, 5);
-  EXPECT_STREQ(row.ProBillNo, "R1");
-  EXPECT_STREQ(row.Primary, "PT");
-  EXPECT_STREQ(row.ProType, "PTXS");
-  EXPECT_EQ(row.DisNum, 2);
-  EXPECT_EQ(row.DisMoney, 3);
-  EXPECT_EQ(row.NewPrice, 4);
-  EXPECT_EQ(row.YhMoney, 5);
-  EXPECT_EQ(row.BaseMoney, 0);
-  EXPECT_FALSE(row.IsVip);
-  EXPECT_STREQ(row.VipType, "");
-}
-
-TEST(SaleRecords, BaseMoneyIsTheLastArgumentOfAResult) {
-  const ProResult row("R1", "PT", "PTXS", 2, 3, 4, 5, 6);
-  EXPECT_EQ(row.YhMoney, 5);
-  EXPECT_EQ(row.BaseMoney, 6);
-}
-
 TEST(SaleRecords, AnApportionRowIsAResultUnderOtherNames) {
-  Corvane::Apportion row("R1", "PT", "MZMJ", 2, 3, 4, 5);
+  Corvane::Apportion row;
+  row.DisNum = 2;
+  row.DisMoney = 3;
   EXPECT_EQ(row.AppNum(), 2);
   EXPECT_EQ(row.AppMoney(), 3);
   row.AppNum() = 7;
