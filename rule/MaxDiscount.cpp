@@ -19,7 +19,7 @@ double SumOfMoney(const std::vector<ProResult*>& rows) {
   return sum;
 }
 
-void ShrinkTo(double ceiling, double total, const std::vector<ProResult*>& rows) {
+void ShrinkTo(double limit, double total, const std::vector<ProResult*>& rows) {
   double allocated = 0;
   std::int32_t number = 0;
   for (ProResult* row : rows) {
@@ -27,11 +27,11 @@ void ShrinkTo(double ceiling, double total, const std::vector<ProResult*>& rows)
     if (row == rows.back()) {
       Log(LogText::kLastRow);
       Log(LogText::kAllocated, FormatG6(allocated));
-      Log(LogText::kMoneyLimit, FormatG6(ceiling));
-      row->DisMoney = ceiling - allocated;
+      Log(LogText::kMoneyLimit, FormatG6(limit));
+      row->DisMoney = limit - allocated;
       return;
     }
-    row->DisMoney = RoundMoney(Quotient(row->DisMoney * ceiling, total));
+    row->DisMoney = RoundMoney(Quotient(row->DisMoney * limit, total));
     allocated += row->DisMoney;
     Log(LogText::kAllocated, FormatG6(allocated));
   }

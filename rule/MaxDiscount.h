@@ -6,13 +6,13 @@
 
 namespace Corvane {
 
-/// Whether a rule names itself in the log when its money ceiling is enforced.
+/// Whether a rule names itself in the log when its money limit is enforced.
 enum class LimitLog { Announced, Unannounced };
 
-/// Enforces the money ceiling of a rule (`MaxYhType` "1"): when its results on the sale's lines come to more than
+/// Enforces the money limit of a rule (`MaxYhType` "1"): when its results on the sale's lines come to more than
 /// `MaxYhValue`, their `DisMoney` shrinks in proportion, rounded to cents, and the last row takes what the rounding
-/// left, so that the rows come to the ceiling exactly. `Total` and `FinalPrice` of the lines and the apportion rows
-/// keep what the rule wrote: the ceiling shows in the discount records only.
+/// left, so that the rows come to the limit exactly. `Total` and `FinalPrice` of the lines and the apportion rows
+/// keep what the rule wrote: the limit shows in the discount records only.
 void LimitByMaxDiscount(const ProInfo& rule, ProSale& sale, LimitLog log = LimitLog::Announced);
 
 /// The limit in the form of the types that write no results on lines: it acts only on rows that an earlier pass over

@@ -47,7 +47,7 @@ struct PluCondition : ProDetailKey {
   double MinNum = 0;        ///< least quantity
   double MinMoney = 0;      ///< least money
   double LimitNum = 0;      ///< most quantity
-  Text ListCode = nullptr;  ///< offer of a full-amount rule that the row belongs to
+  Text ListCode = nullptr;  ///< list of a full-amount rule that the row belongs to
   Text DataId = nullptr;    ///< part of a table row's identity
 };
 

@@ -32,7 +32,7 @@ constexpr RowField<CombChoiceRow> kRowColumns[] = {
     {"DscPrice", RowColumn::Double<&CombChoiceRow::DscPrice>},
 };
 
-/// Sells the line's `DisNum` at the row's price. An offer never raises a price: a row that is dearer than the line
+/// Sells the line's `DisNum` at the row's price. A menu never raises a price: a row that is dearer than the line
 /// comes down to the line's price and stays there for the rest of the calculation.
 void SellAtRowPrice(RuleRun& run, CombChoiceRow& row, SalePlu& line) {
   const double unit = UnitBeforeCombinations(line);
@@ -103,7 +103,7 @@ bool ProCombChoice::LoadRows(QString& message) {
 /// The number of menus that the mandatory slots allow; without any, the pieces of the sale do. Nothing changes the
 /// lines in here, so that the live ones serve.
 ///
-/// @param matched out: the lines that offers may take, article by article.
+/// @param matched out: the lines that a slot may take, article by article.
 std::int32_t ProCombChoice::GetChoiceSets(const RuleRun& run, LinePtrs& matched) const {
   const LinePtrs candidates = SelectSingleLines(run.Lines());
   if (candidates.empty()) return 0;

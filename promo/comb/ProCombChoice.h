@@ -13,7 +13,7 @@
 
 namespace Corvane {
 
-/// An offer of a slot, from `tProPrjCombPluSet`. Only goods codes take part.
+/// An article of a slot, from `tProPrjCombPluSet`. Only goods codes take part.
 struct CombChoiceRow : ProDetailKey {
   Text ProActCode = nullptr;  ///< the slot it belongs to
   double SaleCount = 0;       ///< pieces of this article that fill one menu's slot
@@ -35,7 +35,7 @@ struct CombChoiceSlot {
 
 /// "ZHZX", the set menu with a choice: slots, mandatory or optional, each offering several articles at a set price. The
 /// mandatory slots settle the number of menus; then every slot is served up to that number, mandatory slots first, the
-/// dearest offer of a slot first. The menu's price is not reconciled: each line's discount is rounded on its own.
+/// dearest article of a slot first. The menu's price is not reconciled: each line's discount is rounded on its own.
 /// Packages take no part.
 class ProCombChoice : public ProBase {
  public:

@@ -16,12 +16,12 @@ namespace Corvane {
 // thresholds. Only rows that name a line of the sale are read. A row that several lines hit is held once, by its
 // `SerialNo`, `ListCode` and `DataId`.
 
-/// Reads the rows of one offer of a rule.
+/// Reads the rows of one list of a rule.
 /// @param error out: on failure, the text of LoadDetail.
 bool LoadListConditions(QnPosDBPro& db, Text billNo, Text listCode, const std::vector<SalePlu>& lines,
                         std::vector<PluCondition>& rows, QString& error);
 
-/// Reads the rows of a rule without offers of its own. When none of the rule's rows names a line of the sale, one of
+/// Reads the rows of a rule without lists of its own. When none of the rule's rows names a line of the sale, one of
 /// them is held all the same: no rows at all mean the whole sale, and this is not that case.
 /// @param error out: on failure, the text of LoadDetail.
 bool LoadRuleConditions(QnPosDBPro& db, Text billNo, const std::vector<SalePlu>& lines, std::vector<PluCondition>& rows,

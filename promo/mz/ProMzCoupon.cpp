@@ -83,7 +83,7 @@ void ProMzCoupon::CalcList(RuleRun& run, ProMzList& list) const {
   if (value) run.RecordOnSale({0, *value}, Member::Untold);
 }
 
-/// The coupon value that an amount earns over the tiers of an offer.
+/// The coupon value that an amount earns over the tiers of a list.
 double ProMzCoupon::SumOfTiers(const ProMzList& list, double amount) {
   double remainder = amount;
   double sum = 0;
@@ -98,7 +98,7 @@ double ProMzCoupon::SumOfTiers(const ProMzList& list, double amount) {
 }
 
 /// Makes coupons of a value and puts them into the sale: of its denominations, the largest that fits each time, when
-/// the offer cuts; one coupon otherwise. What can't be cut is not given.
+/// the list cuts; one coupon otherwise. What can't be cut is not given.
 ///
 /// @return the value given; nothing when it would take too many coupons.
 std::optional<double> ProMzCoupon::GiveCoupons(ProSale& sale, const ProMzList& list, double amount) const {

@@ -22,13 +22,13 @@ class ProMzCoupon : public ProBase {
   /// and the log says so.
   static constexpr std::size_t kMaxCoupons = 100'000;
 
-  /// Reads the groups "ProList", each of which is one offer, besides header and filters.
+  /// Reads the groups "ProList", each of which is one list, besides header and filters.
   void InitRule(Text xml);
 
   void CalcRule(RuleRun& run);
 
  protected:
-  std::vector<ProMzList> m_lists;  ///< offers, for the life of the rule
+  std::vector<ProMzList> m_lists;  ///< lists, for the life of the rule
 
  private:
   void ReadList(const TiXmlElement& group);

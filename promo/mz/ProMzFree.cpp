@@ -94,11 +94,11 @@ bool ProMzFree::FreeFromTier(RuleRun& run, const PluAddAction& tier, GiftGoods& 
   const std::optional<TierGift> gift = GiftAtThreshold(tier, goods.Value, goods.Price);
   if (!gift) return true;
 
-  const double cap = goods.Value > gift->Limit ? gift->Limit : goods.Value;
+  const double limit = goods.Value > gift->Limit ? gift->Limit : goods.Value;
   goods.Value -= gift->Amount;
   work.Condition -= tier.BaseConNum;
   double amount = gift->Amount;
-  FreeRepeated(CountSteps(tier, work.Condition), StepSizeOf(tier), gift->StepGift, cap, goods.Value, work.Condition,
+  FreeRepeated(CountSteps(tier, work.Condition), StepSizeOf(tier), gift->StepGift, limit, goods.Value, work.Condition,
                amount);
 
   const bool countsQuantity = UnitOf(tier.BaseConTp) == TierUnit::Quantity;
@@ -158,10 +158,10 @@ void ProMzFree::TakeQuantity(const RuleRun& run, const LinePtrs& lines, double e
   }
 }
 
-void FreeRepeated(std::int32_t count, double step, double stepGift, double cap, double& goodsValue,
+void FreeRepeated(std::int32_t count, double step, double stepGift, double limit, double& goodsValue,
                   double& conditionValue, double& given) {
-  if (ReachesCap(given, cap)) {
-    given = cap;
+  if (ReachesLimit(given, limit)) {
+    given = limit;
     goodsValue = 0;
     return;
   }
@@ -172,15 +172,15 @@ void FreeRepeated(std::int32_t count, double step, double stepGift, double cap, 
     RepeatedSum condition(conditionValue, -step);
     RepeatedSum sum(given, gift);
     const std::int64_t rounds = RoundsAtOnce(
-        std::min({left, goods.EvenRoundsAbove(stepGift), condition.EvenRounds(), EvenRoundsBelowCap(sum, cap)}));
+        std::min({left, goods.EvenRoundsAbove(stepGift), condition.EvenRounds(), EvenRoundsBelowLimit(sum, limit)}));
     goods.Add(rounds);
     condition.Add(rounds);
     sum.Add(rounds);
     left -= rounds;
     goodsValue = goods.Value();
     conditionValue = condition.Value();
-    given = ReachesCap(sum.Value(), cap) ? cap : sum.Value();
-    if (ReachesCap(given, cap)) return;
+    given = ReachesLimit(sum.Value(), limit) ? limit : sum.Value();
+    if (ReachesLimit(given, limit)) return;
   }
 }
 

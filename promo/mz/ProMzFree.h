@@ -62,12 +62,13 @@ class ProMzFree : public ProBase {
 /// Gives the further steps of a tier. Each takes its gift out of the goods and its size out of the condition; rounds go
 /// on after the goods are gone and keep using up the condition.
 ///
-/// @param cap            the most that is given; 0 means none. A gift that has reached it before the first step leaves
+/// @param limit            the most that is given; 0 means none. A gift that has reached it before the first step
+/// leaves
 ///                       no goods.
 /// @param goodsValue     in and out: what is left of the goods.
 /// @param conditionValue in and out: what is left of the condition.
 /// @param given          in and out: what is given, in the unit of the goods value.
-void FreeRepeated(std::int32_t count, double step, double stepGift, double cap, double& goodsValue,
+void FreeRepeated(std::int32_t count, double step, double stepGift, double limit, double& goodsValue,
                   double& conditionValue, double& given);
 
 }  // namespace Corvane

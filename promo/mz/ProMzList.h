@@ -10,17 +10,17 @@
 
 namespace Corvane {
 
-/// The areas of a sale that an offer counts. With any other text nothing counts.
+/// The areas of a sale that a list counts. With any other text nothing counts.
 namespace ConditionArea {
 constexpr Text kWholeSale = "ALL";
 constexpr Text kChosenLines = "DES";
 }  // namespace ConditionArea
 
-/// One offer of a full-amount rule, independent of the rule's other offers: its area, its tiers and its own cap.
+/// One list of a full-amount rule, independent of the rule's other lists: its area, its tiers and its own limit.
 struct ProMzList {
   Text ConAreaType = nullptr;     ///< area that counts toward the thresholds, and that gets the result
   Text RstAreaType = nullptr;     ///< carried
-  double MaxDiscount = 0;         ///< the most that this offer gives on one sale; 0 means no cap
+  double MaxDiscount = 0;         ///< the most that this list gives on one sale; 0 means no limit
   Text DscIntoPlu = nullptr;      ///< "1": the lines' `FinalPrice` becomes the price that the discount leaves
   Text CouponTypeCode = nullptr;  ///< carried
   std::vector<PluCondition> Conditions;

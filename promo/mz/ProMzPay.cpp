@@ -99,16 +99,16 @@ double ProMzPay::PaySum(const ProSale& sale) const {
   return sum;
 }
 
-/// Walks from the highest step down; each is taken as often as the payment allows, up to the rule's cap or the money of
-/// the goods.
+/// Walks from the highest step down; each is taken as often as the payment allows, up to the rule's limit or the money
+/// of the goods.
 ProMzPay::Reduction ProMzPay::WalkSteps(double paySum, double goodsMoney) const {
-  const double ceiling = std::min(m_control.PriceTotal, goodsMoney);
+  const double limit = std::min(m_control.PriceTotal, goodsMoney);
   Reduction taken{0, 0, paySum};
   for (const PluAction& step : LastToFirst(m_steps)) {
     const double gain = step.DisPrice - step.DisRate;
     while (!(step.DisPrice > taken.Left)) {
-      const Reduction next = TakeStep(taken, step.DisPrice, gain, ceiling);
-      if (next.Given >= ceiling) return {ceiling, next.Used, next.Left};
+      const Reduction next = TakeStep(taken, step.DisPrice, gain, limit);
+      if (next.Given >= limit) return {limit, next.Used, next.Left};
       // A step that takes no payment and brings no gain would stand next for ever.
       if (!(step.DisPrice > 0) && !(gain > 0)) {
         Log(LogText::kPayStepWithoutGain, Info.BillNo);
@@ -125,13 +125,13 @@ ProMzPay::Reduction ProMzPay::WalkSteps(double paySum, double goodsMoney) const 
   return taken;
 }
 
-/// Takes a step, and as many repetitions of it as are sure to stay within payment and ceiling: at least once.
-ProMzPay::Reduction ProMzPay::TakeStep(const Reduction& taken, double price, double gain, double ceiling) {
+/// Takes a step, and as many repetitions of it as are sure to stay within payment and limit: at least once.
+ProMzPay::Reduction ProMzPay::TakeStep(const Reduction& taken, double price, double gain, double limit) {
   RepeatedSum given(taken.Given, gain);
   RepeatedSum used(taken.Used, price);
   RepeatedSum left(taken.Left, -price);
   const std::int64_t rounds =
-      RoundsAtOnce(std::min({given.EvenRoundsBelow(ceiling), used.EvenRounds(), left.EvenRoundsAbove(price)}));
+      RoundsAtOnce(std::min({given.EvenRoundsBelow(limit), used.EvenRounds(), left.EvenRoundsAbove(price)}));
   given.Add(rounds);
   used.Add(rounds);
   left.Add(rounds);

@@ -56,7 +56,7 @@ class ProMzPay : public ProBase {
   void ReadOwnGroup(const TiXmlElement& group);
   double PaySum(const ProSale& sale) const;
   Reduction WalkSteps(double paySum, double goodsMoney) const;
-  static Reduction TakeStep(const Reduction& taken, double price, double gain, double ceiling);
+  static Reduction TakeStep(const Reduction& taken, double price, double gain, double limit);
 
   std::vector<PluCondition> m_conditions;  ///< goods that must be bought
   /// `DisPrice` is the money paid that a step takes, `DisRate` what the customer pays of it in the end.

@@ -165,9 +165,9 @@ void ProMzPlu::CalcTier(RuleRun& run, const PluAddAction& tier, const LinePtrs& 
   SpreadOverLinePtrs(run, chosen.Lines, giving.Given, base, options);
 }
 
-void GiveRepeated(std::int32_t count, double step, double stepGift, double cap, double& value, double& given) {
-  if (ReachesCap(given, cap)) {
-    given = cap;
+void GiveRepeated(std::int32_t count, double step, double stepGift, double limit, double& value, double& given) {
+  if (ReachesLimit(given, limit)) {
+    given = limit;
     value = 0;
     return;
   }
@@ -179,13 +179,13 @@ void GiveRepeated(std::int32_t count, double step, double stepGift, double cap, 
     RepeatedSum rest(value, -(step + gift));
     RepeatedSum sum(given, gift);
     const std::int64_t rounds =
-        RoundsAtOnce(std::min({left, rest.EvenRoundsAbove(step + stepGift), EvenRoundsBelowCap(sum, cap)}));
+        RoundsAtOnce(std::min({left, rest.EvenRoundsAbove(step + stepGift), EvenRoundsBelowLimit(sum, limit)}));
     rest.Add(rounds);
     sum.Add(rounds);
     left -= rounds;
     value = rest.Value();
-    given = ReachesCap(sum.Value(), cap) ? cap : sum.Value();
-    if (ReachesCap(given, cap)) return;
+    given = ReachesLimit(sum.Value(), limit) ? limit : sum.Value();
+    if (ReachesLimit(given, limit)) return;
   }
 }
 

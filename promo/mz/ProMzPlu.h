@@ -38,10 +38,11 @@ class ProMzPlu : public ProBase {
 /// Gives the further steps of a tier. Each step takes its size and its gift out of `value`; the gift is at most what is
 /// left behind the size, and a step with nothing left gives nothing.
 ///
-/// @param cap   the most that is given; 0 means none. A gift that has reached it before the first step leaves no value.
+/// @param limit   the most that is given; 0 means none. A gift that has reached it before the first step leaves no
+/// value.
 /// @param value in and out: what is left of the goods.
 /// @param given in and out: what is given, in the same unit.
-void GiveRepeated(std::int32_t count, double step, double stepGift, double cap, double& value, double& given);
+void GiveRepeated(std::int32_t count, double step, double stepGift, double limit, double& value, double& given);
 
 }  // namespace Corvane
 

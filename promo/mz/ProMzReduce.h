@@ -11,8 +11,8 @@
 
 namespace Corvane {
 
-/// "MZMJ", the full-amount reduction: when the sale, or the lines that an offer's condition rows choose, bring enough
-/// money, a sum comes off and is spread over these lines. The offers of a rule are calculated one after the other, and
+/// "MZMJ", the full-amount reduction: when the sale, or the lines that a list's condition rows choose, bring enough
+/// money, a sum comes off and is spread over these lines. The lists of a rule are calculated one after the other, and
 /// each adds its own discount.
 class ProMzReduce : public ProBase {
  public:
@@ -32,7 +32,7 @@ class ProMzReduce : public ProBase {
   static void ReduceChosenLines(RuleRun& run, const ProMzList& list);
   static double SumOfTiers(const ProMzList& list, double amount);
 
-  std::vector<ProMzList> m_lists;  ///< offers, read anew for each sale
+  std::vector<ProMzList> m_lists;  ///< lists, read anew for each sale
   QnPosDBPro m_db;
 };
 

@@ -52,23 +52,23 @@ void ProMzUseCoupon::TakeCoupons(RuleRun& run, const ProMzList& list, double amo
   SpreadOverLinePtrs(run, chosen, value, amount, options);
 }
 
-/// What an amount allows over the tiers of an offer. Remainder and sum are held in single precision and rounded to it
+/// What an amount allows over the tiers of a list. Remainder and sum are held in single precision and rounded to it
 /// at every step; what they are compared with and reckoned from stays in double precision.
 float ProMzUseCoupon::SumOfTiers(const ProMzList& list, double amount) {
   float remainder = ToSingle(amount);
   float sum = 0;
   for (const PluAddAction& tier : list.Tiers) {
     if (tier.BaseConNum > remainder) continue;
-    float capped = remainder;
+    float counted = remainder;
     double addOn = 0;
     if (tier.SaleMaxIn != 0 && remainder > tier.SaleMaxIn) {
-      capped = ToSingle(tier.SaleMaxIn);
-      addOn = std::max(capped - tier.SaleMaxIn, 0.0);
+      counted = ToSingle(tier.SaleMaxIn);
+      addOn = std::max(counted - tier.SaleMaxIn, 0.0);
     }
     sum = ToSingle(sum + tier.BaseDscNum);
-    const FurtherSteps steps = FurtherStepsOf(tier, capped);
+    const FurtherSteps steps = FurtherStepsOf(tier, counted);
     AddRepeatedSingle(steps.Count, ToSingle(steps.Gift), ToSingle(list.MaxDiscount), sum);
-    const double base = ReachesCap(sum, list.MaxDiscount) ? 0 : capped;
+    const double base = ReachesLimit(sum, list.MaxDiscount) ? 0 : counted;
     remainder = ToSingle(base - (tier.BaseConNum + steps.Count * steps.Size) + addOn);
   }
   return sum;

@@ -10,14 +10,14 @@ namespace Corvane {
 
 namespace {
 
-/// @return the sum after `count` additions, or the cap.
-double AddUpTo(double cap, std::int64_t count, RepeatedSum sum) {
-  while (count > 0 && !ReachesCap(sum.Value(), cap)) {
-    const std::int64_t rounds = RoundsAtOnce(std::min(count, EvenRoundsBelowCap(sum, cap)));
+/// @return the sum after `count` additions, or the limit.
+double AddUpTo(double limit, std::int64_t count, RepeatedSum sum) {
+  while (count > 0 && !ReachesLimit(sum.Value(), limit)) {
+    const std::int64_t rounds = RoundsAtOnce(std::min(count, EvenRoundsBelowLimit(sum, limit)));
     sum.Add(rounds);
     count -= rounds;
   }
-  return ReachesCap(sum.Value(), cap) ? cap : sum.Value();
+  return ReachesLimit(sum.Value(), limit) ? limit : sum.Value();
 }
 
 }  // namespace
@@ -35,16 +35,16 @@ void SortTiersDown(std::vector<PluAddAction>& tiers) {
   });
 }
 
-void AddRepeated(std::int32_t count, double step, double cap, double& total) {
-  total = AddUpTo(cap, count, RepeatedSum(total, step));
+void AddRepeated(std::int32_t count, double step, double limit, double& total) {
+  total = AddUpTo(limit, count, RepeatedSum(total, step));
 }
 
-void AddRepeatedSingle(std::int32_t count, float step, float cap, float& total) {
-  total = ToSingle(AddUpTo(cap, count, RepeatedSum(total, step, RepeatedSum::Precision::Single)));
+void AddRepeatedSingle(std::int32_t count, float step, float limit, float& total) {
+  total = ToSingle(AddUpTo(limit, count, RepeatedSum(total, step, RepeatedSum::Precision::Single)));
 }
 
-std::int64_t EvenRoundsBelowCap(const RepeatedSum& sum, double cap) {
-  return cap == 0 ? sum.EvenRounds() : sum.EvenRoundsBelow(cap);
+std::int64_t EvenRoundsBelowLimit(const RepeatedSum& sum, double limit) {
+  return limit == 0 ? sum.EvenRounds() : sum.EvenRoundsBelow(limit);
 }
 
 FurtherSteps FurtherStepsOf(const PluAddAction& tier, double amount) {
@@ -56,12 +56,12 @@ FurtherSteps FurtherStepsOf(const PluAddAction& tier, double amount) {
   return steps;
 }
 
-double GiveFurtherSteps(const PluAddAction& tier, double remainder, double cap, double& sum) {
+double GiveFurtherSteps(const PluAddAction& tier, double remainder, double limit, double& sum) {
   const bool isAbove = tier.SaleMaxIn != 0 && remainder > tier.SaleMaxIn;
   const double amount = isAbove ? tier.SaleMaxIn : remainder;
   const FurtherSteps steps = FurtherStepsOf(tier, amount);
-  AddRepeated(steps.Count, steps.Gift, cap, sum);
-  const double base = ReachesCap(sum, cap) ? 0 : amount;
+  AddRepeated(steps.Count, steps.Gift, limit, sum);
+  const double base = ReachesLimit(sum, limit) ? 0 : amount;
   return base - (tier.BaseConNum + steps.Count * steps.Size);
 }
 

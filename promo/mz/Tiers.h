@@ -20,7 +20,7 @@ enum class TierUnit { Money, Quantity, Unknown };
 /// @param word "SUM" for money, "NUM" for quantity.
 TierUnit UnitOf(Text word);
 
-/// Logs that an offer of the rule would never come to an end and gives nothing.
+/// Logs that a list of the rule would never come to an end and gives nothing.
 void LogTooManyRepeats(Text billNo);
 
 /// Order of numbers for sorting: `left < right`, and what is no number behind all numbers.
@@ -43,21 +43,21 @@ class TiersBehind {
   const PluAddAction* m_end;
 };
 
-/// Whether a sum has reached a cap; a cap of 0 is none.
-inline bool ReachesCap(double sum, double cap) { return cap != 0 && sum >= cap; }
+/// Whether a sum has reached a limit; a limit of 0 is none.
+inline bool ReachesLimit(double sum, double limit) { return limit != 0 && sum >= limit; }
 
-/// Adds `step` to `total`, `count` times, and stops at the cap. A total that is at or above the cap is cut to it at
+/// Adds `step` to `total`, `count` times, and stops at the limit. A total that is at or above the limit is cut to it at
 /// once, with a count of 0 or less too. The sum is made by additions one by one, never by a multiplication: its
 /// rounding is part of the result.
 ///
-/// @param cap 0 means none.
-void AddRepeated(std::int32_t count, double step, double cap, double& total);
+/// @param limit 0 means none.
+void AddRepeated(std::int32_t count, double step, double limit, double& total);
 
 /// AddRepeated in single precision: the additions are made in double precision, and each total is stored in single.
-void AddRepeatedSingle(std::int32_t count, float step, float cap, float& total);
+void AddRepeatedSingle(std::int32_t count, float step, float limit, float& total);
 
-/// How many further additions are sure to leave a sum below a cap, and may be made at once; a cap of 0 is none.
-std::int64_t EvenRoundsBelowCap(const RepeatedSum& sum, double cap);
+/// How many further additions are sure to leave a sum below a limit, and may be made at once; a limit of 0 is none.
+std::int64_t EvenRoundsBelowLimit(const RepeatedSum& sum, double limit);
 
 /// The steps that a tier gives beyond its threshold.
 struct FurtherSteps {
@@ -73,10 +73,10 @@ FurtherSteps FurtherStepsOf(const PluAddAction& tier, double amount);
 /// Gives the further steps of a tier that was reached.
 ///
 /// @param remainder what reached the tier. What lies above the tier's `SaleMaxIn` is dropped; lower tiers don't see it.
-/// @param cap       cap of the sum; 0 means none. When it is reached, nothing is left for lower tiers.
-/// @param sum       in and out: what the offer gives.
+/// @param limit       limit of the sum; 0 means none. When it is reached, nothing is left for lower tiers.
+/// @param sum       in and out: what the list gives.
 /// @return the new remainder, which may be negative.
-double GiveFurtherSteps(const PluAddAction& tier, double remainder, double cap, double& sum);
+double GiveFurtherSteps(const PluAddAction& tier, double remainder, double limit, double& sum);
 
 }  // namespace Corvane
 
