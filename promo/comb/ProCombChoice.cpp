@@ -7,8 +7,8 @@
 #include "base/Walk.h"
 #include "log/Log.h"
 #include "log/LogTexts.h"
-#include "promo/DetailQuery.h"
-#include "promo/Statement.h"
+#include "promo/DetailTable.h"
+#include "promo/UnusableRow.h"
 #include "rule/LineSelection.h"
 #include "rule/ResultRows.h"
 #include "rule/RuleReader.h"
@@ -58,8 +58,7 @@ void ProCombChoice::CalcRule(RuleRun& run) {
   Log(LogText::kChoiceStarts);
   if (!run.MeetsConditions()) return;
   // Slots and rows that can't be read are missing; the rule goes on with those that were.
-  QString message;
-  LoadRuleDetail(message);
+  LoadRuleDetail();
   Log(LogText::kChoiceRowsRead);
   LinePtrs matched;
   const std::int32_t sets = GetChoiceSets(run, matched);
@@ -71,31 +70,26 @@ void ProCombChoice::CalcRule(RuleRun& run) {
 
 // --- Rows -----------------------------------------------------------------------------------------------------------
 
-bool ProCombChoice::LoadRuleDetail(QString& message) {
+void ProCombChoice::LoadRuleDetail() {
   m_slots.clear();
-  if (!m_db.EnsureOpen(message)) return false;
-  if (LoadSlots(message) && LoadRows(message)) return true;
-  Log(message);
-  return false;
+  QString error;
+  DetailTables tables(m_db, Info.BillNo, error);
+  if (!tables.Open()) return;
+  std::vector<CombChoiceRow> rows;
+  const bool read =
+      tables.Read(tables.Select("select ProActCode,ProActname,IsRequired from tProPrjCombProAct where BillNo="),
+                  kSlotColumns, m_slots) &&
+      tables.Read(tables.Select("select ProActCode,PluCode,SaleCount,DscPrice from tProPrjCombPluSet where BillNo="),
+                  kRowColumns, rows);
+  if (!read) Log(error);
+  for (const CombChoiceRow& row : rows) PutIntoSlot(row);
 }
 
-bool ProCombChoice::LoadSlots(QString& message) {
-  const SqlText sql = Statement(
-      m_db, "select ProActCode,ProActname,IsRequired from tProPrjCombProAct where BillNo=", Quoted{Info.BillNo});
-  return LoadDetail(m_db, sql, kSlotColumns, message, [&](const CombChoiceSlot& slot) { m_slots.push_back(slot); });
-}
-
-/// Puts each row into the first slot of its code; a row without a slot is dropped.
-bool ProCombChoice::LoadRows(QString& message) {
-  const SqlText sql = Statement(
-      m_db, "select ProActCode,PluCode,SaleCount,DscPrice from tProPrjCombPluSet where BillNo=", Quoted{Info.BillNo});
-  return LoadDetail(m_db, sql, kRowColumns, message, [&](CombChoiceRow& row) {
-    const auto slot = std::find_if(m_slots.begin(), m_slots.end(),
-                                   [&](const CombChoiceSlot& held) { return Same(held.ProActCode, row.ProActCode); });
-    if (slot == m_slots.end()) return;
-    row.BillNo = Info.BillNo;
-    slot->Rows.push_back(row);
-  });
+/// Puts a row into the first slot of its code; a row without a slot is dropped.
+void ProCombChoice::PutIntoSlot(const CombChoiceRow& row) {
+  const auto slot = std::find_if(m_slots.begin(), m_slots.end(),
+                                 [&](const CombChoiceSlot& held) { return Same(held.ProActCode, row.ProActCode); });
+  if (slot != m_slots.end()) slot->Rows.push_back(row);
 }
 
 // --- Number of menus ------------------------------------------------------------------------------------------------

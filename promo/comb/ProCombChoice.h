@@ -1,7 +1,6 @@
 #ifndef QNCORVANE_PROMO_COMB_PROCOMBCHOICE_H
 #define QNCORVANE_PROMO_COMB_PROCOMBCHOICE_H
 
-#include <QString>
 #include <cstdint>
 #include <vector>
 
@@ -47,9 +46,8 @@ class ProCombChoice : public ProBase {
   void CalcRule(RuleRun& run);
 
  private:
-  bool LoadRuleDetail(QString& message);
-  bool LoadSlots(QString& message);
-  bool LoadRows(QString& message);
+  void LoadRuleDetail();
+  void PutIntoSlot(const CombChoiceRow& row);
 
   std::int32_t GetChoiceSets(const RuleRun& run, LinePtrs& matched) const;
   std::int32_t GetSlotSets(const RuleRun& run, const CombChoiceSlot& slot, const LinePtrs& candidates,

@@ -6,9 +6,8 @@
 #include "base/Walk.h"
 #include "log/Log.h"
 #include "log/LogTexts.h"
-#include "promo/DetailQuery.h"
+#include "promo/DetailTable.h"
 #include "promo/PercentKept.h"
-#include "promo/Statement.h"
 #include "rule/EligibleQuantity.h"
 #include "rule/LineSelection.h"
 #include "rule/ResultRows.h"
@@ -35,12 +34,15 @@ constexpr RowField<CombCondCtrl> kControlColumns[] = {
     {"CountTotal", ControlColumn::Double<&CombCondCtrl::CountTotal>},
 };
 
-/// The column `SaleCount` is asked for but not read: no action row has a limit. `DscRate` is the percent taken off.
+/// The column holds the percent taken off.
+void ReadRate(PluAction& row, const QVariant& value) { row.DisRate = PercentKept(ColumnDouble(value)); }
+
+/// The column `SaleCount` is asked for but not read: no action row has a limit.
 using ActionColumn = FromColumn<PluAction>;
 constexpr RowField<PluAction> kActionColumns[] = {
     {"SerialNo", ActionColumn::Integer<&PluAction::SerialNo>}, {"PluCode", ActionColumn::KeptText<&PluAction::PluCode>},
     {"PluType", ActionColumn::KeptText<&PluAction::PluType>},  {"DscType", ActionColumn::KeptText<&PluAction::DisType>},
-    {"DscPrice", ActionColumn::Double<&PluAction::DisPrice>},  {"DscRate", ActionColumn::Double<&PluAction::DisRate>},
+    {"DscPrice", ActionColumn::Double<&PluAction::DisPrice>},  {"DscRate", ReadRate},
 };
 
 /// Whether a demand is made at all and not met.
@@ -70,43 +72,23 @@ void ProCombCondition::CalcRule(RuleRun& run) {
 
 // --- Rows -----------------------------------------------------------------------------------------------------------
 
-bool ProCombCondition::LoadRuleDetail(QString& message) {
+bool ProCombCondition::LoadRuleDetail(QString& error) {
   m_conditions.clear();
   m_controls.clear();
   m_actions.clear();
-  if (!m_db.EnsureOpen(message)) return false;
-  if (LoadConditions(message) && LoadControls(message) && LoadActions(message)) return true;
-  Log(message);
-  return false;
-}
-
-bool ProCombCondition::LoadConditions(QString& message) {
-  const SqlText sql =
-      Statement(m_db, "select SerialNo,PluCode,PluType,SaleCount,PriceTotal  from tProCombConditionAct where BillNo=",
-                Quoted{Info.BillNo});
-  return LoadDetail(m_db, sql, kConditionColumns, message, [&](PluCondition& row) {
-    row.BillNo = Info.BillNo;
-    row.Index = static_cast<std::int32_t>(m_conditions.size());
-    m_conditions.push_back(row);
-  });
-}
-
-bool ProCombCondition::LoadControls(QString& message) {
-  const SqlText sql =
-      Statement(m_db, "select SerialNo,PriceTotal,CountTotal from tProPrjCombCtrl where BillNo=", Quoted{Info.BillNo});
-  return LoadDetail(m_db, sql, kControlColumns, message, [&](const CombCondCtrl& row) { m_controls.push_back(row); });
-}
-
-bool ProCombCondition::LoadActions(QString& message) {
-  const SqlText sql = Statement(
-      m_db, "select SerialNo,PluCode,PluType,SaleCount,DscType,DscPrice,DscRate  from tProPrjCombPluSet where BillNo=",
-      Quoted{Info.BillNo});
-  return LoadDetail(m_db, sql, kActionColumns, message, [&](PluAction& row) {
-    row.BillNo = Info.BillNo;
-    row.Index = static_cast<std::int32_t>(m_actions.size());
-    row.DisRate = PercentKept(row.DisRate);
-    m_actions.push_back(row);
-  });
+  DetailTables tables(m_db, Info.BillNo, error);
+  if (!tables.Open()) return false;
+  const bool read =
+      tables.Read(tables.Select(
+                      "select SerialNo,PluCode,PluType,SaleCount,PriceTotal  from tProCombConditionAct where BillNo="),
+                  kConditionColumns, m_conditions) &&
+      tables.Read(tables.Select("select SerialNo,PriceTotal,CountTotal from tProPrjCombCtrl where BillNo="),
+                  kControlColumns, m_controls) &&
+      tables.Read(tables.Select("select SerialNo,PluCode,PluType,SaleCount,DscType,DscPrice,DscRate  from "
+                                "tProPrjCombPluSet where BillNo="),
+                  kActionColumns, m_actions);
+  if (!read) Log(error);
+  return read;
 }
 
 // --- Conditions -----------------------------------------------------------------------------------------------------

@@ -33,10 +33,7 @@ class ProCombCondition : public ProBase {
   void CalcRule(RuleRun& run);
 
  private:
-  bool LoadRuleDetail(QString& message);
-  bool LoadConditions(QString& message);
-  bool LoadControls(QString& message);
-  bool LoadActions(QString& message);
+  bool LoadRuleDetail(QString& error);
 
   CombPool GetCondLines(const RuleRun& run, const LinePtrs& candidates) const;
   bool CheckCondRows(const std::vector<SalePlu>& lines, CombPool& sums) const;

@@ -5,8 +5,8 @@
 #include "base/Numbers.h"
 #include "base/Walk.h"
 #include "log/Log.h"
-#include "promo/DetailQuery.h"
-#include "promo/Statement.h"
+#include "promo/DetailTable.h"
+#include "promo/UnusableRow.h"
 #include "rule/LineSelection.h"
 #include "rule/ResultRows.h"
 #include "rule/RuleReader.h"
@@ -75,32 +75,30 @@ void ProCombFixed::CalcRule(RuleRun& run) {
 // --- Rows -----------------------------------------------------------------------------------------------------------
 
 /// Reads the rule's kind of price, from its first row, and its articles. A rule without that row has none.
-bool ProCombFixed::LoadRuleDetail(QString& message) {
+bool ProCombFixed::LoadRuleDetail(QString& error) {
   m_rows.clear();
-  if (!m_db.EnsureOpen(message)) return false;
+  DetailTables tables(m_db, Info.BillNo, error);
+  if (!tables.Open()) return false;
+  std::vector<CombFixedPrice> prices;
+  if (!tables.Read(tables.Select("select PriceType, PriceTotal from tProPrjCombProAct where BillNo="), kPriceColumns,
+                   prices)) {
+    return false;
+  }
+  if (prices.empty()) return true;
   const SqlText sql =
-      Statement(m_db, "select PriceType, PriceTotal from tProPrjCombProAct where BillNo=", Quoted{Info.BillNo});
-  std::optional<CombFixedPrice> price;
-  const auto takeFirst = [&](const CombFixedPrice& row) {
-    if (!price) price = row;
-  };
-  if (!LoadDetail(m_db, sql, kPriceColumns, message, takeFirst)) return false;
-  return !price || LoadRows(*price, message);
+      tables.Select("select SerialNo,PluCode,PluType,SaleCount,DscPrice from tProPrjCombPluSet where BillNo=");
+  if (!tables.Read(sql, kRowColumns, m_rows, AllDiffer(), kRowsFailed)) return false;
+  SettleRows(prices.front());
+  return true;
 }
 
-bool ProCombFixed::LoadRows(const CombFixedPrice& price, QString& message) {
-  const SqlText sql = Statement(
-      m_db,
-      "select SerialNo,PluCode,PluType,SaleCount,DscPrice from tProPrjCombPluSet where BillNo=", Quoted{Info.BillNo});
-  const auto take = [&](CombFixedRow& row) {
-    if (PrintsAsZero(row.SaleCount)) return;
-    row.BillNo = Info.BillNo;
-    row.Index = static_cast<std::int32_t>(m_rows.size());
+void ProCombFixed::SettleRows(const CombFixedPrice& price) {
+  const auto isEmpty = [](const CombFixedRow& row) { return PrintsAsZero(row.SaleCount); };
+  m_rows.erase(std::remove_if(m_rows.begin(), m_rows.end(), isEmpty), m_rows.end());
+  for (CombFixedRow& row : m_rows) {
     row.PriceType = price.PriceType;
     if (Same(price.PriceType, FixedPrice::kPerCombination)) row.DscPrice = price.PriceTotal;
-    m_rows.push_back(row);
-  };
-  return LoadDetail(m_db, sql, kRowColumns, message, take, kRowsFailed);
+  }
 }
 
 // --- Number of combinations -----------------------------------------------------------------------------------------

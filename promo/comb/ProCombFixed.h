@@ -53,8 +53,8 @@ class ProCombFixed : public ProBase {
     double UnitValue = 0;  ///< that of the last line that holds it
   };
 
-  bool LoadRuleDetail(QString& message);
-  bool LoadRows(const CombFixedPrice& price, QString& message);
+  bool LoadRuleDetail(QString& error);
+  void SettleRows(const CombFixedPrice& price);
 
   /// The pieces of one row's article that the combinations hold, on their way over the lines.
   struct Pieces {

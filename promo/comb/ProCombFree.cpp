@@ -7,9 +7,9 @@
 #include "base/Walk.h"
 #include "log/Log.h"
 #include "log/LogTexts.h"
-#include "promo/DetailQuery.h"
+#include "promo/DetailTable.h"
 #include "promo/PercentKept.h"
-#include "promo/Statement.h"
+#include "promo/UnusableRow.h"
 #include "rule/LineSelection.h"
 #include "rule/ResultRows.h"
 #include "rule/RuleReader.h"
@@ -51,8 +51,7 @@ void ProCombFree::CalcRule(RuleRun& run) {
   Log(LogText::kFreeStarts, Info.BillNo);
   if (!run.MeetsConditions()) return;
   // Rows that can't be read are missing; the rule goes on with those that were.
-  QString message;
-  LoadRuleDetail(run.Lines(), message);
+  LoadRuleDetail(run.Lines());
   Log(LogText::kFreeRowsRead);
   const LinePtrs single = SelectSingleLines(run.Lines());
   if (single.empty()) return;
@@ -65,44 +64,22 @@ void ProCombFree::CalcRule(RuleRun& run) {
 
 // --- Rows -----------------------------------------------------------------------------------------------------------
 
-bool ProCombFree::LoadRuleDetail(const std::vector<SalePlu>& lines, QString& message) {
+/// Reads the rows that name goods, category or brand of one of the lines, each once, and the tiers.
+void ProCombFree::LoadRuleDetail(const std::vector<SalePlu>& lines) {
   m_pluRows.clear();
   m_tiers.clear();
-  if (!m_db.EnsureOpen(message)) return false;
+  QString error;
+  DetailTables tables(m_db, Info.BillNo, error);
+  if (!tables.Open()) return;
   const bool read =
-      std::all_of(lines.begin(), lines.end(), [&](const SalePlu& line) { return LoadPluRows(line, message); }) &&
-      LoadTiers(message);
-  if (!read) Log(message);
-  return read;
-}
-
-/// Reads the rows that name the line's goods, category or brand. A row that several lines hit is kept once.
-bool ProCombFree::LoadPluRows(const SalePlu& line, QString& message) {
-  const SqlText sql =
-      Statement(m_db, "select SerialNo,PluCode,PluType  from tProPrjCombPluSet where BillNo=", Quoted{Info.BillNo},
-                RowsOfLine(m_db, line));
-  return LoadDetail(m_db, sql, kPluColumns, message, [&](CombFreePluRow& row) {
-    if (HoldsPluRow(row.SerialNo)) return;
-    row.BillNo = Info.BillNo;
-    row.Index = static_cast<std::int32_t>(m_pluRows.size());
-    m_pluRows.push_back(row);
-  });
-}
-
-bool ProCombFree::HoldsPluRow(std::int32_t serialNo) const {
-  return std::any_of(m_pluRows.begin(), m_pluRows.end(),
-                     [&](const CombFreePluRow& row) { return row.SerialNo == serialNo; });
-}
-
-bool ProCombFree::LoadTiers(QString& message) {
-  const SqlText sql = Statement(
-      m_db, "select SerialNo,SaleCount,PriceType,PriceTotal from tProPrjCombProAct where BillNo=", Quoted{Info.BillNo});
-  return LoadDetail(m_db, sql, kTierColumns, message, [&](CombFreeActRow& tier) {
-    tier.BillNo = Info.BillNo;
-    tier.Index = static_cast<std::int32_t>(m_tiers.size());
+      tables.ReadOfLines(lines, tables.Select("select SerialNo,PluCode,PluType  from tProPrjCombPluSet where BillNo="),
+                         kPluColumns, m_pluRows, SameSerialNo()) &&
+      tables.Read(tables.Select("select SerialNo,SaleCount,PriceType,PriceTotal from tProPrjCombProAct where BillNo="),
+                  kTierColumns, m_tiers);
+  if (!read) Log(error);
+  for (CombFreeActRow& tier : m_tiers) {
     if (Same(tier.PriceType, TierPrice::kPercentOff)) tier.PriceTotal = PercentKept(tier.PriceTotal);
-    m_tiers.push_back(tier);
-  });
+  }
 }
 
 // --- Pool -----------------------------------------------------------------------------------------------------------

@@ -1,7 +1,6 @@
 #ifndef QNCORVANE_PROMO_COMB_PROCOMBFREE_H
 #define QNCORVANE_PROMO_COMB_PROCOMBFREE_H
 
-#include <QString>
 #include <cstdint>
 #include <vector>
 
@@ -56,10 +55,7 @@ class ProCombFree : public ProBase {
     bool IsLast = false;  ///< the sets end inside this line: it carries the rounding difference
   };
 
-  bool LoadRuleDetail(const std::vector<SalePlu>& lines, QString& message);
-  bool LoadPluRows(const SalePlu& line, QString& message);
-  bool LoadTiers(QString& message);
-  bool HoldsPluRow(std::int32_t serialNo) const;
+  void LoadRuleDetail(const std::vector<SalePlu>& lines);
 
   CombPool GetSaleAccordCombFree(const RuleRun& run, const LinePtrs& lines) const;
   void AddToPool(const RuleRun& run, CombPool& pool, SalePlu& line) const;

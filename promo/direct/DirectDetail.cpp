@@ -1,13 +1,11 @@
 #include "promo/direct/DirectDetail.h"
 
-#include <algorithm>
 #include <cstddef>
 
 #include "log/Log.h"
 #include "log/LogTexts.h"
-#include "promo/DetailQuery.h"
+#include "promo/DetailTable.h"
 #include "promo/PercentKept.h"
-#include "promo/Statement.h"
 
 namespace Corvane {
 
@@ -35,12 +33,9 @@ constexpr RowField<DirectRow> kColumns[] = {
     {"TradeMaxCount", Column::Double<&DirectRow::TradeMaxCount>},
 };
 
-SqlText SelectOfLine(const QnPosDBPro& db, Text billNo, const SalePlu& line) {
-  return Statement(db,
-                   "select DscType,DscPrice,DscRate,SaleCount,TradeMaxCount,SerialNo,PluCode,PluType,InRange from "
-                   "tProPrjDirectProAct where BillNo=",
-                   Quoted{billNo}, RowsOfLine(db, line));
-}
+constexpr char kRowsOfRule[] =
+    "select DscType,DscPrice,DscRate,SaleCount,TradeMaxCount,SerialNo,PluCode,PluType,InRange from "
+    "tProPrjDirectProAct where BillNo=";
 
 }  // namespace
 
@@ -49,28 +44,20 @@ void DirectDetail::Clear() {
   m_actions.clear();
 }
 
-bool DirectDetail::Holds(std::int32_t serialNo) const {
-  return std::any_of(m_actions.begin(), m_actions.end(),
-                     [&](const PluAction& action) { return action.SerialNo == serialNo; });
-}
-
 void DirectDetail::LoadRuleDetail(QnPosDBPro& db, Text billNo, const std::vector<SalePlu>& lines) {
   Clear();
-  for (const SalePlu& line : lines) LoadRowsOf(line, db, billNo);
-}
-
-void DirectDetail::LoadRowsOf(const SalePlu& line, QnPosDBPro& db, Text billNo) {
-  QString error;
-  const auto take = [&](const DirectRow& row) {
-    if (Holds(row.SerialNo)) return;
-    ProDetailKey head = row;
-    head.BillNo = billNo;
-    head.Index = static_cast<std::int32_t>(m_conditions.size());
-    m_conditions.push_back({head, row.SaleCount, 0, row.TradeMaxCount});
-    m_actions.push_back({head, row.DscType, 0, row.DscPrice, PercentKept(row.DscRate)});
-  };
-  const bool read = db.EnsureOpen(error) && SelectRows(db, SelectOfLine(db, billNo, line), kColumns, error, take);
-  Log(read ? LogText::kDetailRead : LogText::kDetailNotRead, billNo);
+  std::vector<DirectRow> rows;
+  for (const SalePlu& line : lines) {
+    QString error;
+    DetailTables tables(db, billNo, error);
+    const bool read = tables.Open() && tables.Read(tables.Sql(tables.Select(kRowsOfRule), tables.NamingLine(line)),
+                                                   kColumns, rows, SameSerialNo());
+    Log(read ? LogText::kDetailRead : LogText::kDetailNotRead, billNo);
+  }
+  for (const DirectRow& row : rows) {
+    m_conditions.push_back({row, row.SaleCount, 0, row.TradeMaxCount});
+    m_actions.push_back({row, row.DscType, 0, row.DscPrice, PercentKept(row.DscRate)});
+  }
 }
 
 const PluAction& DirectDetail::ActionOf(const ProDetailKey& condition) const {

@@ -31,9 +31,6 @@ class DirectDetail {
   const PluCondition& ConditionOf(const ProDetailKey& head) const;
 
  private:
-  void LoadRowsOf(const SalePlu& line, QnPosDBPro& db, Text billNo);
-  bool Holds(std::int32_t serialNo) const;
-
   std::vector<PluCondition> m_conditions;
   std::vector<PluAction> m_actions;
 };

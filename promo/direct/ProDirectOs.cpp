@@ -6,7 +6,7 @@
 
 #include "base/Numbers.h"
 #include "base/Walk.h"
-#include "promo/Statement.h"
+#include "promo/UnusableRow.h"
 #include "rule/ActionPrice.h"
 #include "rule/EligibleQuantity.h"
 #include "rule/ResultRows.h"

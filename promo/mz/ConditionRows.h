@@ -1,10 +1,9 @@
 #ifndef QNCORVANE_PROMO_MZ_CONDITIONROWS_H
 #define QNCORVANE_PROMO_MZ_CONDITIONROWS_H
 
-#include <QString>
 #include <vector>
 
-#include "db/QnPosDBPro.h"
+#include "promo/DetailTable.h"
 #include "rule/LineSelection.h"
 #include "rule/RuleRows.h"
 #include "rule/RuleRun.h"
@@ -17,15 +16,12 @@ namespace Corvane {
 // `SerialNo`, `ListCode` and `DataId`.
 
 /// Reads the rows of one list of a rule.
-/// @param error out: on failure, the text of LoadDetail.
-bool LoadListConditions(QnPosDBPro& db, Text billNo, Text listCode, const std::vector<SalePlu>& lines,
-                        std::vector<PluCondition>& rows, QString& error);
+bool LoadListConditions(DetailTables& tables, Text listCode, const std::vector<SalePlu>& lines,
+                        std::vector<PluCondition>& rows);
 
 /// Reads the rows of a rule without lists of its own. When none of the rule's rows names a line of the sale, one of
 /// them is held all the same: no rows at all mean the whole sale, and this is not that case.
-/// @param error out: on failure, the text of LoadDetail.
-bool LoadRuleConditions(QnPosDBPro& db, Text billNo, const std::vector<SalePlu>& lines, std::vector<PluCondition>& rows,
-                        QString& error);
+bool LoadRuleConditions(DetailTables& tables, const std::vector<SalePlu>& lines, std::vector<PluCondition>& rows);
 
 /// The lines that count, and what they bring: with rows those that the rows take, without rows all.
 RuleLines SelectConditionLines(const RuleRun& run, const std::vector<PluCondition>& rows);

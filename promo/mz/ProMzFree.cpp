@@ -7,9 +7,9 @@
 #include "base/Walk.h"
 #include "log/Log.h"
 #include "log/LogTexts.h"
-#include "promo/Statement.h"
+#include "promo/DetailTable.h"
 #include "promo/mz/ConditionRows.h"
-#include "promo/mz/Scheme.h"
+#include "promo/mz/TierColumns.h"
 #include "promo/mz/TierGift.h"
 #include "promo/mz/Tiers.h"
 #include "rule/RuleReader.h"
@@ -19,15 +19,12 @@ namespace Corvane {
 
 void ProMzFree::InitRule(Text xml) { ReadRule(xml, *this); }
 
-bool ProMzFree::LoadRuleDetail(Text billNo, const std::vector<SalePlu>& lines, QString& error) {
-  if (!m_db.EnsureOpen(error)) return false;
-  const SqlText scheme =
-      Statement(m_db,
-                "select SerialNo,PluCode,BaseConType,BaseConNum,BaseDscType,BaseDscNum,AddConNum,AddDscNum,SaleMaxIn "
-                "from tProMzScheme where BillNo=",
-                Quoted{billNo});
-  return LoadRuleConditions(m_db, billNo, lines, m_conditions, error) &&
-         LoadScheme(m_db, billNo, scheme, m_tiers, error);
+bool ProMzFree::LoadRuleDetail(const std::vector<SalePlu>& lines, QString& error) {
+  DetailTables tables(m_db, Info.BillNo, error);
+  return tables.Open() && LoadRuleConditions(tables, lines, m_conditions) &&
+         tables.ReadTiers(tables.Select("select SerialNo,PluCode,BaseConType,BaseConNum,BaseDscType,BaseDscNum,"
+                                        "AddConNum,AddDscNum,SaleMaxIn from tProMzScheme where BillNo="),
+                          kGoodsTierColumns, m_tiers);
 }
 
 void ProMzFree::CalcRule(RuleRun& run) {
@@ -36,7 +33,7 @@ void ProMzFree::CalcRule(RuleRun& run) {
   m_tiers.clear();
   QString error;
   // Nothing changes the lines while rows are read, so the loader takes no copy of them.
-  if (!LoadRuleDetail(Info.BillNo, run.Lines(), error)) {
+  if (!LoadRuleDetail(run.Lines(), error)) {
     Log(QString::fromUtf8(LogText::kGoodsFreeFailed) + error);
     return;
   }

@@ -7,8 +7,7 @@
 #include "base/Walk.h"
 #include "log/Log.h"
 #include "log/LogTexts.h"
-#include "promo/DetailQuery.h"
-#include "promo/Statement.h"
+#include "promo/DetailTable.h"
 #include "promo/mz/TierColumns.h"
 #include "promo/mz/TierGift.h"
 #include "promo/mz/Tiers.h"
@@ -20,12 +19,8 @@ namespace Corvane {
 
 namespace {
 
-SqlText SelectOfLine(const QnPosDBPro& db, Text billNo, const SalePlu& line) {
-  return Statement(
-      db,
-      "select SerialNo,PluCode,PluType,BaseConType,BaseConNum,BaseDscType,BaseDscNum,AddConNum,AddDscNum,SaleMaxIn,"
-      "DataId from tProMzPluAct where BillNo=",
-      Quoted{billNo}, RowsOfLine(db, line));
+bool SameTier(const PluAddAction& left, const PluAddAction& right) {
+  return left.SerialNo == right.SerialNo && Same(left.PluCode, right.PluCode) && Same(left.DataId, right.DataId);
 }
 
 /// The goods of a tier as the one condition that chooses its lines.
@@ -107,24 +102,14 @@ double TakeFromLines(const RuleRun& run, const PluAddAction& tier, const LinePtr
 
 void ProMzPlu::InitRule(Text xml) { ReadRule(xml, *this); }
 
-bool ProMzPlu::LoadRuleDetail(Text billNo, const std::vector<SalePlu>& lines, QString& error) {
-  return m_db.EnsureOpen(error) && std::all_of(lines.begin(), lines.end(), [&](const SalePlu& line) {
-           return LoadTiersOfLine(billNo, line, error);
-         });
-}
-
-bool ProMzPlu::LoadTiersOfLine(Text billNo, const SalePlu& line, QString& error) {
-  return LoadDetail(m_db, SelectOfLine(m_db, billNo, line), kGoodsTierColumns, error, [&](PluAddAction& tier) {
-    tier.BillNo = billNo;
-    tier.Index = static_cast<std::int32_t>(m_tiers.size());
-    if (!Holds(tier)) m_tiers.push_back(tier);
-  });
-}
-
-bool ProMzPlu::Holds(const PluAddAction& tier) const {
-  return std::any_of(m_tiers.begin(), m_tiers.end(), [&](const PluAddAction& held) {
-    return held.SerialNo == tier.SerialNo && Same(held.PluCode, tier.PluCode) && Same(held.DataId, tier.DataId);
-  });
+bool ProMzPlu::LoadRuleDetail(const std::vector<SalePlu>& lines, QString& error) {
+  DetailTables tables(m_db, Info.BillNo, error);
+  return tables.Open() &&
+         tables.ReadOfLines(lines,
+                            tables.Select("select SerialNo,PluCode,PluType,BaseConType,BaseConNum,BaseDscType,"
+                                          "BaseDscNum,AddConNum,AddDscNum,SaleMaxIn,DataId from tProMzPluAct "
+                                          "where BillNo="),
+                            kGoodsTierColumns, m_tiers, SameTier);
 }
 
 void ProMzPlu::CalcRule(RuleRun& run) {
@@ -132,7 +117,7 @@ void ProMzPlu::CalcRule(RuleRun& run) {
   m_tiers.clear();
   QString error;
   // Nothing changes the lines while rows are read, so the loader takes no copy of them.
-  if (!LoadRuleDetail(Info.BillNo, run.Lines(), error)) {
+  if (!LoadRuleDetail(run.Lines(), error)) {
     Log(QString::fromUtf8(LogText::kGoodsFailed) + error);
     return;
   }

@@ -26,9 +26,7 @@ class ProMzPlu : public ProBase {
   void CalcRule(RuleRun& run);
 
  private:
-  bool LoadRuleDetail(Text billNo, const std::vector<SalePlu>& lines, QString& error);
-  bool LoadTiersOfLine(Text billNo, const SalePlu& line, QString& error);
-  bool Holds(const PluAddAction& tier) const;
+  bool LoadRuleDetail(const std::vector<SalePlu>& lines, QString& error);
   void CalcTier(RuleRun& run, const PluAddAction& tier, const LinePtrs& singleLines) const;
 
   std::vector<PluAddAction> m_tiers;  ///< read anew for each sale

@@ -5,13 +5,10 @@
 #include <utility>
 
 #include "base/Walk.h"
-#include "db/RowFields.h"
 #include "log/Log.h"
 #include "log/LogTexts.h"
-#include "promo/DetailQuery.h"
-#include "promo/Statement.h"
+#include "promo/DetailTable.h"
 #include "promo/mz/ConditionRows.h"
-#include "promo/mz/TierQuery.h"
 #include "promo/mz/Tiers.h"
 #include "rule/LineSelection.h"
 #include "rule/ResultRows.h"
@@ -46,6 +43,12 @@ constexpr RowField<PluAddAction> kTierColumns[] = {
     {"SaleMaxIn", TierColumn::Double<&PluAddAction::SaleMaxIn>},
 };
 
+bool LoadTiers(DetailTables& tables, ListRow& offer) {
+  const SqlText sql = tables.Select(
+      "SELECT DscType,BaseMoney,BaseDscMoney,AddMoney,AddDscMoney,SaleMaxIn FROM tProMzDiscountAct where BillNo=");
+  return tables.ReadTiers(tables.Sql(sql, " and ListCode=", Quoted{offer.ListCode}), kTierColumns, offer.Tiers);
+}
+
 /// What the rule gives on the line so far.
 double GivenOn(const RuleRun& run, const SalePlu& line) {
   const ProResult* const row = FindResult(line, run.Info().BillNo);
@@ -56,30 +59,17 @@ double GivenOn(const RuleRun& run, const SalePlu& line) {
 
 void ProMzReduce::InitRule(Text xml) { ReadRule(xml, *this); }
 
-bool ProMzReduce::LoadRuleDetail(Text billNo, const std::vector<SalePlu>& lines, QString& error) {
-  if (!m_db.EnsureOpen(error)) return false;
-  const SqlText sql = Statement(
-      m_db,
-      "SELECT ConAreaType,RstAreaType,MaxDiscount,DscIntoPlu,ListCode FROM tpromzlist where BillNo=", Quoted{billNo});
+bool ProMzReduce::LoadRuleDetail(const std::vector<SalePlu>& lines, QString& error) {
+  DetailTables tables(m_db, Info.BillNo, error);
+  if (!tables.Open()) return false;
+  const SqlText sql =
+      tables.Select("SELECT ConAreaType,RstAreaType,MaxDiscount,DscIntoPlu,ListCode FROM tpromzlist where BillNo=");
   std::vector<ListRow> offers;
-  const auto take = [&](const ListRow& offer) { offers.push_back(offer); };
-  if (!LoadDetail(m_db, sql, kListColumns, error, take)) return false;
+  if (!tables.Read(sql, kListColumns, offers)) return false;
   return std::all_of(offers.begin(), offers.end(), [&](ListRow& offer) {
-    const bool read = LoadListConditions(m_db, billNo, offer.ListCode, lines, offer.Conditions, error) &&
-                      LoadTiers(billNo, offer.ListCode, offer.Tiers, error);
+    const bool read = LoadListConditions(tables, offer.ListCode, lines, offer.Conditions) && LoadTiers(tables, offer);
     if (read) m_lists.push_back(std::move(offer));
     return read;
-  });
-}
-
-bool ProMzReduce::LoadTiers(Text billNo, Text listCode, std::vector<PluAddAction>& tiers, QString& error) {
-  const SqlText sql = Statement(
-      m_db, "SELECT DscType,BaseMoney,BaseDscMoney,AddMoney,AddDscMoney,SaleMaxIn FROM tProMzDiscountAct where BillNo=",
-      Quoted{billNo}, " and ListCode=", Quoted{listCode});
-  return LoadTierRows(m_db, sql, kTierColumns, error, [&](PluAddAction& tier) {
-    tier.BillNo = billNo;
-    tier.Index = static_cast<std::int32_t>(tiers.size());
-    tiers.push_back(tier);
   });
 }
 
@@ -88,7 +78,7 @@ void ProMzReduce::CalcRule(RuleRun& run) {
   m_lists.clear();
   QString error;
   // Nothing changes the lines while rows are read, so the loader takes no copy of them.
-  if (!LoadRuleDetail(Info.BillNo, run.Lines(), error)) {
+  if (!LoadRuleDetail(run.Lines(), error)) {
     Log(QString::fromUtf8(LogText::kReduceFailed) + error);
     return;
   }

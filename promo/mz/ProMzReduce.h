@@ -25,8 +25,7 @@ class ProMzReduce : public ProBase {
   void CalcRule(RuleRun& run);
 
  private:
-  bool LoadRuleDetail(Text billNo, const std::vector<SalePlu>& lines, QString& error);
-  bool LoadTiers(Text billNo, Text listCode, std::vector<PluAddAction>& tiers, QString& error);
+  bool LoadRuleDetail(const std::vector<SalePlu>& lines, QString& error);
   static void CalcList(RuleRun& run, ProMzList& list);
   static void ReduceWholeSale(RuleRun& run, const ProMzList& list);
   static void ReduceChosenLines(RuleRun& run, const ProMzList& list);
