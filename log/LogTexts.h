@@ -3,12 +3,10 @@
 
 #include "base/Text.h"
 
-namespace Corvane {
-
 /// Every text of the calculation log, but for the database's own. They are read by people and compared by tools: their
 /// spelling is part of the interface. docs/log.md says what each of them means. A text that ends in a colon, or that
 /// stands in front of numbers, has the value directly behind it in the same entry.
-namespace LogText {
+namespace Corvane::LogText {
 
 // --- The frame of a calculation -------------------------------------------------------------------------------------
 
@@ -120,8 +118,6 @@ constexpr Text kCouponSum = "真实赠券额";
 constexpr Text kPayActionGroup = "判断节点是PluAction时";
 constexpr Text kPayConditionsNotMet = "基本条件不满足，再检查！";
 
-}  // namespace LogText
-
-}  // namespace Corvane
+}  // namespace Corvane::LogText
 
 #endif

@@ -19,7 +19,7 @@ namespace Corvane {
 
 namespace {
 
-/// An offer with the key under which its rows stand.
+/// A list with the key under which its rows stand.
 struct ListRow : ProMzList {
   Text ListCode = nullptr;
 };
@@ -43,10 +43,10 @@ constexpr RowField<PluAddAction> kTierColumns[] = {
     {"SaleMaxIn", TierColumn::Double<&PluAddAction::SaleMaxIn>},
 };
 
-bool LoadTiers(DetailTables& tables, ListRow& offer) {
+bool LoadTiers(DetailTables& tables, ListRow& list) {
   const SqlText sql = tables.Select(
       "SELECT DscType,BaseMoney,BaseDscMoney,AddMoney,AddDscMoney,SaleMaxIn FROM tProMzDiscountAct where BillNo=");
-  return tables.ReadTiers(tables.Sql(sql, " and ListCode=", Quoted{offer.ListCode}), kTierColumns, offer.Tiers);
+  return tables.ReadTiers(tables.Sql(sql, " and ListCode=", Quoted{list.ListCode}), kTierColumns, list.Tiers);
 }
 
 /// What the rule gives on the line so far.
@@ -64,11 +64,11 @@ bool ProMzReduce::LoadRuleDetail(const std::vector<SalePlu>& lines, QString& err
   if (!tables.Open()) return false;
   const SqlText sql =
       tables.Select("SELECT ConAreaType,RstAreaType,MaxDiscount,DscIntoPlu,ListCode FROM tpromzlist where BillNo=");
-  std::vector<ListRow> offers;
-  if (!tables.Read(sql, kListColumns, offers)) return false;
-  return std::all_of(offers.begin(), offers.end(), [&](ListRow& offer) {
-    const bool read = LoadListConditions(tables, offer.ListCode, lines, offer.Conditions) && LoadTiers(tables, offer);
-    if (read) m_lists.push_back(std::move(offer));
+  std::vector<ListRow> lists;
+  if (!tables.Read(sql, kListColumns, lists)) return false;
+  return std::all_of(lists.begin(), lists.end(), [&](ListRow& list) {
+    const bool read = LoadListConditions(tables, list.ListCode, lines, list.Conditions) && LoadTiers(tables, list);
+    if (read) m_lists.push_back(std::move(list));
     return read;
   });
 }
@@ -117,7 +117,7 @@ void ProMzReduce::ReduceChosenLines(RuleRun& run, const ProMzList& list) {
   if (sum > 0) SpreadOverLinePtrs(run, chosen.Lines, sum, chosen.Money, options);
 }
 
-/// What an amount brings over the tiers of an offer.
+/// What an amount brings over the tiers of a list.
 double ProMzReduce::SumOfTiers(const ProMzList& list, double amount) {
   double remainder = amount;
   double sum = 0;
