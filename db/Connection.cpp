@@ -2,13 +2,11 @@
 
 #include <QCoreApplication>
 #include <QSqlDriver>
-#include <QSqlError>
-#include <QSqlQuery>
+#include <QVariant>
 #include <chrono>
 
 #include "db/ConnectionFile.h"
 #include "db/DriverFile.h"
-#include "db/Guarded.h"
 #include "db/HostDirectory.h"
 #include "db/Kind.h"
 #include "db/OdbcTimeout.h"
@@ -46,6 +44,12 @@ bool Connection::HasDriver() const { return !ProcessEnd::HasCome() && Db && Db->
 bool Connection::IsOpen() const { return !ProcessEnd::HasCome() && Db && Db->isOpen(); }
 
 bool Connection::IsUsable() const { return !Use.IsOver() && IsOpen(); }
+
+bool Connection::IsUsable(QString& error) const {
+  if (IsUsable()) return true;
+  error += QLatin1String(" DataBase is not opened!");
+  return false;
+}
 
 // --- Opening --------------------------------------------------------------------------------------------------------
 
@@ -120,7 +124,7 @@ void Connection::TryDriverAgain() {
 bool Connection::WasLost(QString& reason) {
   if (!m_health.NeedsTrial()) return false;
   QSqlQuery trial(*Db);
-  if (Run(trial, [&] { return trial.exec(TrialStatement(DbTypeUpper)); })) return false;
+  if (Exec(trial, TrialStatement(DbTypeUpper))) return false;
   reason = Use.Reason();
   trial.clear();
   Db->close();
@@ -222,7 +226,7 @@ bool Connection::OpenNamed(QString& error) {
 /// it.
 bool Connection::TakeAllCharacters(QString& error) {
   QSqlQuery names(*Db);
-  Run(names, [&] { return names.exec(QStringLiteral("SET NAMES 'utf8mb4'")); });
+  Exec(names, QStringLiteral("SET NAMES 'utf8mb4'"));
   if (!Use.IsOver()) return true;
   error += names.lastError().text();
   return false;
@@ -236,6 +240,21 @@ QString Connection::DriverOptions() const {
 
 // --- Statements -----------------------------------------------------------------------------------------------------
 
+bool Connection::Transact(bool (QSqlDatabase::*step)()) {
+  return Guarded([&] { return HasDriver() && Db->driver()->hasFeature(QSqlDriver::Transactions) && ((*Db).*step)(); });
+}
+
+QDateTime Connection::ServerDate() {
+  QDateTime date;
+  QString ignored;
+  const bool answered = Ask(ignored, [&](QSqlQuery& query) {
+    if (!Exec(query, ServerDateStatement(DbTypeUpper)) || !query.next()) return false;
+    date = query.value(QStringLiteral("date")).toDateTime();
+    return true;
+  });
+  return answered ? date : QDateTime::currentDateTime();
+}
+
 bool Connection::Note(const QSqlQuery& query, bool succeeded) {
   if (!succeeded) {
     m_file.NoteFailure();
@@ -245,6 +264,10 @@ bool Connection::Note(const QSqlQuery& query, bool succeeded) {
     m_isSilent = m_isSilent || (isSilent && IsRemote(DbTypeUpper));
   }
   return m_health.Note(succeeded);
+}
+
+QString Asked(const char* operation, const QString& what) {
+  return QStringLiteral("函数:") + QLatin1String(operation) + QStringLiteral("||执行:") + what + QLatin1String("||");
 }
 
 }  // namespace Corvane

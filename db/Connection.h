@@ -1,17 +1,19 @@
 #ifndef QNCORVANE_DB_CONNECTION_H
 #define QNCORVANE_DB_CONNECTION_H
 
+#include <QDateTime>
 #include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <QString>
 #include <QtGlobal>
 #include <memory>
 
 #include "db/ConnectionHealth.h"
+#include "db/Guarded.h"
 #include "db/OpenedFile.h"
 #include "db/Settings.h"
 #include "db/UseInCall.h"
-
-class QSqlQuery;
 
 namespace Corvane {
 
@@ -44,11 +46,40 @@ class Connection {
   /// Whether statements may run: the connection is open, and the call that is running has not given it up.
   bool IsUsable() const;
 
-  /// Runs a statement on `query`, so that a connection that fails is doubted. @return what `statement` answered.
-  template <class Statement>
-  bool Run(const QSqlQuery& query, Statement statement) {
-    m_started = ConnectionHealth::Now();
-    return Note(query, statement());
+  /// The same. @param error in and out: that there is no usable connection is appended.
+  bool IsUsable(QString& error) const;
+
+  /// As `QnPosDBPro::BeginTransaction`, `Commit` and `Rollback`.
+  bool Transact(bool (QSqlDatabase::*step)());
+
+  /// As `QnPosDBPro::GetServerDate`.
+  QDateTime ServerDate();
+
+  /// Does `work` with a new query on the connection, which must be usable: not even an empty query can be made after
+  /// the end of the process.
+  ///
+  /// @param error in and out: the reason of a failure is appended.
+  /// @param work  answers whether it succeeded.
+  template <class Work>
+  bool Ask(QString& error, Work work) {
+    return Guarded(error, [&] {
+      if (!IsUsable(error)) return false;
+      QSqlQuery query(*Db);
+      if (work(query)) return true;
+      error += query.lastError().text();
+      return false;
+    });
+  }
+
+  /// Statements on `query`, so that a connection that fails is doubted.
+  bool Exec(QSqlQuery& query, const QString& sql) {
+    return Run(query, [&] { return query.exec(sql); });
+  }
+  bool Prepare(QSqlQuery& query, const QString& sql) {
+    return Run(query, [&] { return query.prepare(sql); });
+  }
+  bool ExecPrepared(QSqlQuery& query) {
+    return Run(query, [&] { return query.exec(); });
   }
 
   /// Takes in how the last statement went, or how its rows ended. @return `succeeded`.
@@ -63,6 +94,11 @@ class Connection {
   UseInCall Use;
 
  private:
+  template <class Statement>
+  bool Run(const QSqlQuery& query, Statement statement) {
+    m_started = ConnectionHealth::Now();
+    return Note(query, statement());
+  }
   bool IsOpen() const;
   bool HasDriverOrHope() const;
   void TryDriverAgain();
@@ -87,6 +123,9 @@ class Connection {
   QString m_options;
   bool m_isSilent = false;  ///< a statement was not answered in time: what the server says next belongs to that
 };
+
+/// What the text of a statement operation begins with: "函数:", its name, "||执行:", what it was asked to run, "||".
+QString Asked(const char* operation, const QString& what);
 
 /// Marks one of the engine's calls as running, for the life of this object: the database is given up for its rest when
 /// it can't be opened or keeps silent, and a file that was replaced is opened anew at its first use. A call within a

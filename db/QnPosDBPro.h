@@ -3,22 +3,19 @@
 
 #include <QDateTime>
 #include <QList>
-#include <QMap>
+#include <QSqlDatabase>
 #include <QString>
 #include <QtGlobal>
 #include <memory>
 
-#include "db/ProcArg.h"
-#include "db/ProcParam.h"
-#include "db/ReadItem.h"
-#include "db/SqlItem.h"
+#include "db/Connection.h"
+#include "db/Kind.h"
+#include "db/Procedures.h"
+#include "db/Records.h"
+#include "db/Recordsets.h"
 #include "db/SqlText.h"
 
-class QSqlQuery;
-
 namespace Corvane {
-
-class Connection;
 
 /// The store's database, of any of five kinds: "SQLITE", "MYSQL", "SQLSERVER", "ORACLE" or "ACCESS".
 ///
@@ -58,7 +55,7 @@ class QnPosDBPro {
   ///
   /// @param error in and out: on failure the reason is appended; without a `DbType` it is replaced. Else left alone.
   /// @return whether the connection is open.
-  bool EnsureOpen(QString& error);
+  bool EnsureOpen(QString& error) { return Slot->EnsureOpen(error); }
 
   /// Chooses the kind and makes a new, closed connection for it, under the first free name of "MyDBProcessConn0",
   /// "MyDBProcessConn1" and so on. Open recordsets are let go.
@@ -77,24 +74,28 @@ class QnPosDBPro {
   /// @param port     0 is 1433 for "SQLSERVER" and 1521 for "ORACLE"; unused for the others, "MYSQL" included.
   /// @return whether the connection is open. False for a kind outside the five.
   bool Open(const QString& server, const QString& database, QString& error, const QString& user,
-            const QString& password, qint32 port);
+            const QString& password, qint32 port) {
+    return Slot->Open(server, database, error, user, password, port);
+  }
 
   /// Driver options for the next open, in Qt's form ("NAME=value;..."), beside those of the timeouts. Without a
   /// connection nothing happens.
-  void SetConnectOptions(const QString& options);
+  void SetConnectOptions(const QString& options) {
+    if (Slot->HasDriver()) Slot->SetOptions(options);
+  }
 
   /// Transactions. @return false as well when the driver has none.
-  bool BeginTransaction();
-  bool Commit();
-  bool Rollback();
+  bool BeginTransaction() { return Slot->Transact(&QSqlDatabase::transaction); }
+  bool Commit() { return Slot->Transact(&QSqlDatabase::commit); }
+  bool Rollback() { return Slot->Transact(&QSqlDatabase::rollback); }
 
   /// @return the server's date and time; the client's clock when the server doesn't answer.
-  QDateTime GetServerDate();
+  QDateTime GetServerDate() { return Slot->ServerDate(); }
 
   /// Runs a statement that gives no rows.
   ///
   /// @param error out: "函数:excuteSQL||执行:", the first 30 characters of `sql`, "||", and the reason if it failed.
-  bool excuteSQL(const QString& sql, QString& error);
+  bool excuteSQL(const QString& sql, QString& error) { return ExecuteSql(*Slot, sql, error); }
 
   /// Runs a SELECT.
   ///
@@ -102,18 +103,20 @@ class QnPosDBPro {
   /// to
   ///              move. Further statements may run while it is being read.
   /// @param error out: "函数:openRecordset||执行:", `sql`, "||", and the reason if it failed.
-  bool openRecordset(const QString& sql, QSqlQuery& query, QString& error);
+  bool openRecordset(const QString& sql, QSqlQuery& query, QString& error) {
+    return OpenRecordset(*Slot, sql, query, error);
+  }
 
   /// To be asked when `query`, from openRecordset, has no next row: whether its rows ended there or broke off.
   ///
   /// @param error in and out: when they broke off, the reason is appended.
-  bool EndedWell(const QSqlQuery& query, QString& error);
+  bool EndedWell(const QSqlQuery& query, QString& error) { return Corvane::EndedWell(*Slot, query, error); }
 
   /// How this kind writes its statements; before a kind is set, as most kinds do.
-  SqlDialect Dialect() const;
+  SqlDialect Dialect() const { return DialectOf(Slot->DbTypeUpper); }
 
   /// Whether this kind pads texts with blanks to the width of their column.
-  bool PadsTexts() const;
+  bool PadsTexts() const { return Corvane::PadsTexts(Slot->DbTypeUpper); }
 
   /// What the copies share; for DatabaseCall.
   Connection& Shared() { return *Slot; }
@@ -122,61 +125,56 @@ class QnPosDBPro {
   ///
   /// @param args  the argument text, which goes out as it stands.
   /// @param error out: "函数:exexProc||执行:", `name`, "||", and the reason; another kind replaces the whole text.
-  bool exexProc(const QString& name, const QString& args, QString& error);
+  bool exexProc(const QString& name, const QString& args, QString& error) { return RunProc(*Slot, name, args, error); }
 
   /// Runs a stored procedure with bound arguments ("SQLSERVER" and "ORACLE" only).
   ///
   /// @param args  in and out: an argument whose `Direction` is Out gets its value back as text.
   /// @param error out: as for `exexProc`.
-  bool exexProcWithArgs(const QString& name, QList<ProcArg>& args, QString& error);
+  bool exexProcWithArgs(const QString& name, QList<ProcArg>& args, QString& error) {
+    return RunProcWithArgs(*Slot, name, args, error);
+  }
 
   /// Recordsets by handle. The caller chooses the number; a handle in use is emptied and used again.
-  bool OpenByHandle(qint32 handle, const QString& sql);
-  void CloseHandle(qint32 handle);
+  bool OpenByHandle(qint32 handle, const QString& sql) { return OpenCursor(*Slot, Queries, handle, sql); }
+  void CloseHandle(qint32 handle) { Queries.remove(handle); }
   /// @return true behind the last row, and for an unknown handle.
-  bool IsEOF(qint32 handle) const;
+  bool IsEOF(qint32 handle) const { return StandsAt(FindQuery(handle), QSql::AfterLastRow); }
   /// @return true before the first row, and for an unknown handle.
-  bool IsBOF(qint32 handle) const;
+  bool IsBOF(qint32 handle) const { return StandsAt(FindQuery(handle), QSql::BeforeFirstRow); }
   /// Moves. @return whether the recordset then stands on a row; false for a handle without rows or a lost connection.
-  bool First(qint32 handle);
-  bool Previous(qint32 handle);
-  bool Next(qint32 handle);
-  bool Last(qint32 handle);
+  bool First(qint32 handle) { return MoveCursor(*Slot, FindQuery(handle), &QSqlQuery::first); }
+  bool Previous(qint32 handle) { return MoveCursor(*Slot, FindQuery(handle), &QSqlQuery::previous); }
+  bool Next(qint32 handle) { return MoveCursor(*Slot, FindQuery(handle), &QSqlQuery::next); }
+  bool Last(qint32 handle) { return MoveCursor(*Slot, FindQuery(handle), &QSqlQuery::last); }
   /// @param row counted from 0.
-  bool Seek(qint32 handle, qint32 row);
+  bool Seek(qint32 handle, qint32 row) { return MoveCursor(*Slot, FindQuery(handle), &QSqlQuery::seek, row, false); }
 
   /// INSERT of one row, each value bound to its column's name. @return false on failure; there is no reason kept.
-  bool InsertRecord(const QString& table, const QList<SqlItem>& items);
+  bool InsertRecord(const QString& table, const QList<SqlItem>& items) { return InsertRow(*Slot, table, items); }
 
   /// UPDATE. @param where raw SQL behind the columns, e.g. "WHERE BillNo='1'"; empty changes every row.
-  bool UpdateRecord(const QString& table, const QString& where, const QList<SqlItem>& items);
+  bool UpdateRecord(const QString& table, const QString& where, const QList<SqlItem>& items) {
+    return UpdateRows(*Slot, table, where, items);
+  }
 
   /// Reads the current row of the recordset under `handle` into the addresses of `items`. A column that the recordset
   /// doesn't have, or a NULL, reads as zero or empty.
   ///
   /// @return false when there is no such recordset; nothing is written then.
-  bool ReadRecord(qint32 handle, const QList<ReadItem>& items);
+  bool ReadRecord(qint32 handle, const QList<ReadItem>& items) { return ReadRow(FindQuery(handle), items); }
 
   /// Runs a stored procedure ("SQLSERVER" only), arguments by position, and stores what comes out of it.
-  bool ExecProcFormat(const QString& name, const QList<ProcParam>& params);
+  bool ExecProcFormat(const QString& name, const QList<ProcParam>& params) {
+    return RunProcByPosition(*Slot, name, params);
+  }
 
  protected:
-  QMap<qint32, std::shared_ptr<QSqlQuery>> Queries;  ///< Open recordsets by handle.
-  std::shared_ptr<Connection> Slot;                  ///< Settings and connection; never null.
+  Cursors Queries;                   ///< Open recordsets.
+  std::shared_ptr<Connection> Slot;  ///< Settings and connection; never null.
 
  private:
-  bool Exec(QSqlQuery& query, const QString& sql);
-  bool Prepare(QSqlQuery& query, const QString& sql);
-  bool Exec(QSqlQuery& query);
-  bool RunProc(const QString& name, const QString& args, QString& error);
-  bool RunProcWithArgs(const QString& name, QList<ProcArg>& args, QString& error);
-  bool BindArgs(QSqlQuery& query, const QList<ProcArg>& args, QString& error) const;
-  void ReadOutArgs(const QSqlQuery& query, QList<ProcArg>& args) const;
-  QString UnsupportedProc() const;
-  bool RunWithItems(const QString& statement, const QList<SqlItem>& items);
-  QSqlQuery* FindQuery(qint32 handle) const;
-  template <typename Step>
-  bool Move(qint32 handle, Step step);
+  QSqlQuery* FindQuery(qint32 handle) const { return Queries.value(handle).get(); }
 };
 
 }  // namespace Corvane
