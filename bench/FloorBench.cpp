@@ -24,8 +24,8 @@
 #include <vector>
 
 #include "engine/CalcPromotion.h"
-#include "log/Log.h"
 #include "engine/SaleCalls.h"
+#include "log/Log.h"
 
 namespace {
 

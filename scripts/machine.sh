@@ -1,0 +1,42 @@
+# shellcheck shell=bash
+# What the commands need of the machine: packages of Debian 12. Sourced by ./dev.
+
+# shellcheck disable=SC2034  # ./dev and scripts/compare.sh name these
+{
+  packages_build=(g++ cmake ninja-build pkg-config qtbase5-dev libqt5sql5-sqlite libtinyxml-dev sqlite3)
+  packages_test=(libgtest-dev libgmock-dev libsqlite3-dev python3 binutils locales)
+  packages_servers=(mariadb-server libqt5sql5-mysql libqt5sql5-odbc unixodbc libsqliteodbc odbc-mdbtools)
+  packages_format=(clang-format)
+  packages_lint=(clang clang-tidy clang-format libclang-rt-14-dev shellcheck)
+  packages_bench=(libbenchmark-dev)
+}
+
+as_root() {
+  if ((EUID == 0)); then "$@"; else sudo "$@"; fi
+}
+
+is_installed() { [[ $(dpkg-query -W -f='${Status}' "$1" 2>/dev/null) == "install ok installed" ]]; }
+
+# Installs packages. A server that comes with one is not started: the tests start their own, on their own files. Debian's
+# way to say so is a policy; one that stands already is the machine owner's, and stays.
+install_packages() (
+  policy=/usr/sbin/policy-rc.d
+  if [[ ! -e $policy ]]; then
+    trap 'as_root rm -f "$policy"' EXIT
+    printf '#!/bin/sh\nexit 101\n' | as_root tee "$policy" >/dev/null
+    as_root chmod 755 "$policy"
+  fi
+  as_root apt-get update -q
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "$@" </dev/null
+)
+
+# Installs those of the packages that are missing; with none missing, the network is not touched.
+need() {
+  local missing=() package
+  for package in "$@"; do
+    is_installed "$package" || missing+=("$package")
+  done
+  ((${#missing[@]})) || return 0
+  say "installing ${missing[*]}"
+  install_packages "${missing[@]}"
+}
