@@ -16,8 +16,8 @@ struct Calculation {
   char* Msg;
 };
 
-/// A mode: takes the rules through their passes in the registry's order and writes the result. @return the call's
-/// result.
+/// A mode: takes the rules through their passes in the registry's order and writes the result.
+/// @return the call's result.
 using ModeStep = std::int32_t (*)(const Calculation& calculation);
 
 /// @return the mode of this name, compared exactly, or null.

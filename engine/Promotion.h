@@ -24,8 +24,8 @@ class Promotion : public ProError {
   /// Puts the rule into the slot of the last entry with exactly its number, which is dropped, or behind all others;
   /// then brings the rules into the order of calculation. An exception leaves the registry as it was.
   ///
-  /// A rule whose `Primary` is none of the three words falls out of the order: it may vanish, and others may stand
-  /// twice.
+  /// A rule whose `Primary` is none of the three words falls out of the order: it may vanish, and others may
+  /// stand twice.
   void LoadRule(RulePtr rule);
 
   /// Drops the rules with this number in any letter case; all of them for "*".

@@ -13,8 +13,7 @@ namespace Corvane {
 /// appended; offers ("ProGifts") replace the earlier ones.
 ///
 /// @param lineIndex in and out: the `Index` of the one line that the XML brought, -1 when a "Plu" group brought
-/// several;
-///                  untouched without a line.
+///                  several; untouched without a line.
 /// @return false after an exception; what was read until then stays in the sale. A malformed text is none: what stands
 ///         before the fault is read.
 bool ReadSale(ProSale& sale, Text xml, std::int32_t& lineIndex);
