@@ -12,10 +12,13 @@
  * Files: the engine reads "config.ini" and writes the log "QnCorvane.txt" in the process's current directory.
  *
  * Threads: the engine has no locks. Calls must not overlap, not even for different sales, and must all come from one
- * thread: the database connection belongs to the thread that opened it. No call lets an exception out. Calls from an
- * atexit handler or a global destructor work or answer -1.
+ * thread: the database connection belongs to the thread that opened it. No call lets an exception out: for want of
+ * memory it answers -1. All of them may be called from an atexit handler or a global destructor; they work or answer
+ * -1 then.
  *
- * Time: a call waits for a silent database no longer than twice the timeout of "config.ini" and a second.
+ * Time: a silent server or a lock in the database costs a call about two timeouts at most, which "config.ini" sets
+ * (ConnectTimeout and ReadTimeout, 3 seconds each unless told). The rows that were not read by then are missing in that
+ * call; the next one tries anew.
  *
  * Order: BeginInitPro, InitPromotion for each rule, FinishInitPro; then CalcPromotion for each step of a sale, and
  * DeleteSaleSetByKey at the sale's end.
@@ -43,7 +46,7 @@ QNCORVANE_API int BeginInitPro(void);
  * @param xml  the rule's XML. A text that doesn't parse loads an empty rule, which never applies.
  * @param msg  out: "sucess", or "pro initialize failed" followed by the whole of `xml`: give room for the length of
  *             `xml` and 22 bytes.
- * @return 0, or -1 for an unknown type.
+ * @return 0, or -1 for an unknown type or for want of memory: nothing is loaded then, and nothing replaced.
  */
 QNCORVANE_API int InitPromotion(const char* type, const char* xml, char* msg);
 
