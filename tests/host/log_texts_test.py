@@ -13,7 +13,7 @@ import sys
 import unittest
 
 SOURCES = pathlib.Path(sys.argv.pop(1)).resolve()
-ROOMS = ["base", "db", "engine", "promo", "rule", "sale"]
+ROOMS = ["base", "db", "engine", "log", "promo", "rule", "sale"]
 STRING = r'"(?:[^"\\\n]|\\.)*"'
 COMMENT = re.compile(rf"({STRING})|//[^\n]*|/\*.*?\*/", re.DOTALL)
 
@@ -57,13 +57,14 @@ def logged_texts(files):
     """The texts of sources, given as a map from name to code."""
     files = {name: without_comments(code) for name, code in files.items()}
     constants = {}
-    for code in files.values():
+    log_constants = {}
+    for file, code in files.items():
         for name, texts in constants_of(code):
-            constants.setdefault(name, []).extend(texts)
-    found = set()
-    for name, code in files.items():
-        if "LogText" in name:
-            found.update(literals_of(code))
+            (log_constants if "LogText" in file else constants).setdefault(name, []).extend(texts)
+    found = {text for texts in log_constants.values() for text in texts}
+    # What a log text is called, another file may call something of its own.
+    constants.update(log_constants)
+    for code in files.values():
         found.update(text for text in literals_of(code) if re.search("[\u3000-\u9fff\uff00-\uffef]", text))
         for argument in [*arguments_of(code, "Log"), *reports_of(code)]:
             found.update(literals_of(argument))
