@@ -1,7 +1,7 @@
 // What the contracts cost at the least, beside what the engine pays: a log entry against the bare system calls and
 // against the file class of Qt; a sale in and out against TinyXML alone. With real baskets, if a file of them is given:
 //
-//   qncorvane_floor_bench [BASKETS.csv] [--benchmark_...]
+//   qncorvane_floor_bench [BASKETS.csv] [--m_benchmark...]
 //
 // The log is written in a folder of its own, which goes away at the end.
 

@@ -1,6 +1,6 @@
 // How long a till waits for each call, with the rules, rows and sales of the sample store.
 //
-//   qncorvane_bench STORE SALES [--benchmark_...]
+//   qncorvane_bench STORE SALES [--m_benchmark...]
 //
 // STORE is a folder with config.ini, rules/ and the database; SALES is samples/sales. The log is written as at a till,
 // to STORE/QnCorvane.txt. Calls of one sale go under one key, as at a till that calculates the subtotal again and

@@ -47,18 +47,18 @@ std::vector<Step> ParseSteps(const std::string& text) {
 /// The arguments behind "calc", taken one after the other.
 class ArgumentReader {
  public:
-  explicit ArgumentReader(const std::vector<std::string>& arguments) : arguments_(arguments) {}
+  explicit ArgumentReader(const std::vector<std::string>& arguments) : m_arguments(arguments) {}
 
-  [[nodiscard]] bool AtEnd() const { return next_ == arguments_.size(); }
-  const std::string& Take() { return arguments_[next_++]; }
+  [[nodiscard]] bool AtEnd() const { return m_next == m_arguments.size(); }
+  const std::string& Take() { return m_arguments[m_next++]; }
   const std::string& TakeValue(const std::string& option) {
     if (AtEnd()) RefuseUsage(option + " needs a value");
     return Take();
   }
 
  private:
-  const std::vector<std::string>& arguments_;
-  std::size_t next_ = 1;
+  const std::vector<std::string>& m_arguments;
+  std::size_t m_next = 1;
 };
 
 struct Parsed {

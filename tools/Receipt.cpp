@@ -37,29 +37,30 @@ std::string Threshold(const OfferedItem& item) {
 }  // namespace
 
 void Receipt::PrintHeading(const std::string& text) const {
-  out_ << "\n" << text << "\n" << std::string(kWidth, '-') << "\n";
+  m_out << "\n" << text << "\n" << std::string(kWidth, '-') << "\n";
 }
 
-void Receipt::PrintColumns() const { out_ << Row("No", "Goods", "Code", "Quantity", "Price", "Amount"); }
+void Receipt::PrintColumns() const { m_out << Row("No", "Goods", "Code", "Quantity", "Price", "Amount"); }
 
 void Receipt::PrintSum(const std::string& text, double amount) const {
   const std::size_t textWidth = kWidth - kNumberWidth - 2 - kColumnWidth;
-  out_ << std::string(kNumberWidth + 2, ' ') << AtLeft(text, textWidth) << AtRight(Money(amount), kColumnWidth) << "\n";
+  m_out << std::string(kNumberWidth + 2, ' ') << AtLeft(text, textWidth) << AtRight(Money(amount), kColumnWidth)
+        << "\n";
 }
 
 void Receipt::PrintLine(const Line& line) const {
-  out_ << Row(std::to_string(line.serialNo), store_.GoodsName(line.code), line.code, Quantity(line.quantity),
-              Money(line.price), Money(line.amount));
+  m_out << Row(std::to_string(line.serialNo), m_store.GoodsName(line.code), line.code, Quantity(line.quantity),
+               Money(line.price), Money(line.amount));
 }
 
 void Receipt::PrintBefore() const {
-  out_ << "Sale " << sale_.BillNo() << ", shop " << sale_.OrgCode() << ", " << sale_.DateTime();
-  for (const std::string& member : sale_.Members()) out_ << ", member " << member;
-  out_ << "\n";
+  m_out << "Sale " << m_sale.BillNo() << ", shop " << m_sale.OrgCode() << ", " << m_sale.DateTime();
+  for (const std::string& member : m_sale.Members()) m_out << ", member " << member;
+  m_out << "\n";
   PrintHeading("BEFORE");
   PrintColumns();
-  for (const Line& line : sale_.Lines()) PrintLine(line);
-  PrintSum("Total", sale_.AmountSent());
+  for (const Line& line : m_sale.Lines()) PrintLine(line);
+  PrintSum("Total", m_sale.AmountSent());
 }
 
 void Receipt::PrintStepsHeading() const { PrintHeading("STEPS"); }
@@ -68,9 +69,9 @@ void Receipt::PrintStep(std::size_t number, const std::string& mode, const std::
                         const std::string& refusal) const {
   constexpr std::size_t kOutcomeWidth = 2 * kColumnWidth;
   constexpr std::size_t kSentWidth = kWidth - kNumberWidth - 2 - kCodeWidth - kOutcomeWidth;
-  const std::string outcome = refusal.empty() ? "to pay" + AtRight(Money(sale_.ToPay()), kColumnWidth) : refusal;
-  out_ << AtRight(std::to_string(number), kNumberWidth) << "  " << AtLeft(mode, kCodeWidth) << AtLeft(sent, kSentWidth)
-       << AtRight(outcome, kOutcomeWidth) << "\n";
+  const std::string outcome = refusal.empty() ? "to pay" + AtRight(Money(m_sale.ToPay()), kColumnWidth) : refusal;
+  m_out << AtRight(std::to_string(number), kNumberWidth) << "  " << AtLeft(mode, kCodeWidth) << AtLeft(sent, kSentWidth)
+        << AtRight(outcome, kOutcomeWidth) << "\n";
 }
 
 void Receipt::PrintDiscountedLine(const Line& line) const {
@@ -80,16 +81,16 @@ void Receipt::PrintDiscountedLine(const Line& line) const {
     // A reduction for a payment takes money and no pieces.
     const std::string quantity = discount.quantity == 0 ? "" : Quantity(discount.quantity);
     const std::string member = discount.memberType.empty() ? "" : " (member " + discount.memberType + ")";
-    out_ << Row("", "  " + store_.RuleName(discount.rule) + member, discount.rule, quantity, "",
-                Money(-discount.money));
+    m_out << Row("", "  " + m_store.RuleName(discount.rule) + member, discount.rule, quantity, "",
+                 Money(-discount.money));
   }
-  out_ << Row("", "", "", "", "=", Money(line.ToPay()));
+  m_out << Row("", "", "", "", "=", Money(line.ToPay()));
 }
 
 void Receipt::PrintAfter() const {
   PrintHeading("AFTER");
   PrintColumns();
-  for (const Line& line : sale_.Lines()) PrintDiscountedLine(line);
+  for (const Line& line : m_sale.Lines()) PrintDiscountedLine(line);
   PrintDiscountsByRule();
   PrintToPay();
   PrintWholeSale();
@@ -99,26 +100,26 @@ void Receipt::PrintAfter() const {
 
 void Receipt::PrintDiscountsByRule() const {
   std::map<std::string, double> byRule;
-  for (const Line& line : sale_.Lines()) {
+  for (const Line& line : m_sale.Lines()) {
     for (const Discount& discount : line.discounts) byRule[discount.rule] += discount.money;
   }
-  out_ << "\n";
-  PrintSum("Total before", sale_.AmountSent());
-  for (const auto& [rule, money] : byRule) PrintSum("  " + rule + "  " + store_.RuleName(rule), -money);
+  m_out << "\n";
+  PrintSum("Total before", m_sale.AmountSent());
+  for (const auto& [rule, money] : byRule) PrintSum("  " + rule + "  " + m_store.RuleName(rule), -money);
 }
 
 void Receipt::PrintToPay() const {
-  PrintSum("To pay", sale_.ToPay());
-  const bool linesTellTheSame = std::fabs(sale_.ToPay() - sale_.ResultAmount()) < 0.005;
+  PrintSum("To pay", m_sale.ToPay());
+  const bool linesTellTheSame = std::fabs(m_sale.ToPay() - m_sale.ResultAmount()) < 0.005;
   if (!linesTellTheSame)
-    PrintSum("(the lines' Total in the result XML, which not every rule lowers)", sale_.ResultAmount());
+    PrintSum("(the lines' Total in the result XML, which not every rule lowers)", m_sale.ResultAmount());
 }
 
 void Receipt::PrintWholeSale() const {
-  if (sale_.WholeSale().empty()) return;
+  if (m_sale.WholeSale().empty()) return;
   PrintHeading("FOR THE WHOLE SALE");
-  for (const Discount& row : sale_.WholeSale()) {
-    PrintSum(row.rule + "  " + store_.RuleName(row.rule) + " (" + WholeSaleMeaning(row.proType) + ")", row.money);
+  for (const Discount& row : m_sale.WholeSale()) {
+    PrintSum(row.rule + "  " + m_store.RuleName(row.rule) + " (" + WholeSaleMeaning(row.proType) + ")", row.money);
   }
 }
 
@@ -127,27 +128,27 @@ void Receipt::PrintItem(const OfferedItem& item) const {
   const std::string most = item.mostPicked > 0 ? ", at most " + Money(item.mostPicked) : "";
   const std::string picked = item.picked > 0 ? ", picked " + Money(item.picked) : "";
   const std::string open = item.canBeTaken ? ", can be taken" : ", out of reach";
-  out_ << std::string(kNumberWidth + 2, ' ') << AtLeft(store_.GoodsName(item.code), kGoodsWidth) << Threshold(item)
-       << ", " << price << most << picked << open << "\n";
+  m_out << std::string(kNumberWidth + 2, ' ') << AtLeft(m_store.GoodsName(item.code), kGoodsWidth) << Threshold(item)
+        << ", " << price << most << picked << open << "\n";
 }
 
 void Receipt::PrintOffers() const {
-  if (sale_.Offers().empty()) return;
+  if (m_sale.Offers().empty()) return;
   PrintHeading("GIFT OFFERS");
-  for (const Offer& offer : sale_.Offers()) {
-    out_ << offer.rule << "  " << store_.RuleName(offer.rule) << ": reached " << Money(offer.reached) << ", used "
-         << Money(offer.used) << ", left " << Money(offer.left) << "\n";
+  for (const Offer& offer : m_sale.Offers()) {
+    m_out << offer.rule << "  " << m_store.RuleName(offer.rule) << ": reached " << Money(offer.reached) << ", used "
+          << Money(offer.used) << ", left " << Money(offer.left) << "\n";
     for (const OfferedItem& item : offer.items) PrintItem(item);
   }
 }
 
 void Receipt::PrintCouponsAndPayments() const {
-  if (!sale_.Coupons().empty()) PrintHeading("COUPONS PRESENTED, NOT TAKEN");
-  for (const Coupon& coupon : sale_.Coupons()) {
+  if (!m_sale.Coupons().empty()) PrintHeading("COUPONS PRESENTED, NOT TAKEN");
+  for (const Coupon& coupon : m_sale.Coupons()) {
     PrintSum("Coupon of type " + coupon.type, coupon.value);
   }
-  if (!sale_.Payments().empty()) PrintHeading("PAYMENTS SENT");
-  for (const Payment& payment : sale_.Payments()) {
+  if (!m_sale.Payments().empty()) PrintHeading("PAYMENTS SENT");
+  for (const Payment& payment : m_sale.Payments()) {
     PrintSum("Payment mode " + payment.mode + (payment.cardNo.empty() ? "" : ", card " + payment.cardNo),
              payment.money);
   }

@@ -13,7 +13,7 @@ namespace Corvane::Tool {
 class Receipt {
  public:
   /// All three must outlive the receipt.
-  Receipt(std::ostream& out, const Store& store, const SaleView& sale) : out_(out), store_(store), sale_(sale) {}
+  Receipt(std::ostream& out, const Store& store, const SaleView& sale) : m_out(out), m_store(store), m_sale(sale) {}
 
   /// The sale's number, and its lines as they were sent.
   void PrintBefore() const;
@@ -41,9 +41,9 @@ class Receipt {
   /// Text at the left, amount in the last column.
   void PrintSum(const std::string& text, double amount) const;
 
-  std::ostream& out_;
-  const Store& store_;
-  const SaleView& sale_;
+  std::ostream& m_out;
+  const Store& m_store;
+  const SaleView& m_sale;
 };
 
 }  // namespace Corvane::Tool

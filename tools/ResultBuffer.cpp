@@ -15,13 +15,14 @@ std::size_t MappedSize(std::size_t size) { return (size / PageSize() + 2) * Page
 
 }  // namespace
 
-ResultBuffer::ResultBuffer(std::size_t size) : mapped_(MappedSize(size)) {
-  void* const room = mmap(nullptr, mapped_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+ResultBuffer::ResultBuffer(std::size_t size) : m_mapped(MappedSize(size)) {
+  void* const room =
+      mmap(nullptr, m_mapped, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
   if (room == MAP_FAILED) throw ToolError("no memory for a result of " + std::to_string(size) + " bytes");
-  data_ = static_cast<char*>(room);
-  mprotect(data_ + mapped_ - PageSize(), PageSize(), PROT_NONE);
+  m_data = static_cast<char*>(room);
+  mprotect(m_data + m_mapped - PageSize(), PageSize(), PROT_NONE);
 }
 
-ResultBuffer::~ResultBuffer() { munmap(data_, mapped_); }
+ResultBuffer::~ResultBuffer() { munmap(m_data, m_mapped); }
 
 }  // namespace Corvane::Tool

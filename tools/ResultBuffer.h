@@ -19,12 +19,12 @@ class ResultBuffer {
   ResultBuffer(const ResultBuffer&) = delete;
   ResultBuffer& operator=(const ResultBuffer&) = delete;
 
-  [[nodiscard]] char* Data() const { return data_; }
-  [[nodiscard]] std::string Text() const { return data_; }
+  [[nodiscard]] char* Data() const { return m_data; }
+  [[nodiscard]] std::string Text() const { return m_data; }
 
  private:
-  std::size_t mapped_;
-  char* data_ = nullptr;
+  std::size_t m_mapped;
+  char* m_data = nullptr;
 };
 
 }  // namespace Corvane::Tool

@@ -48,9 +48,9 @@ double Line::ToPay() const {
 }
 
 void SaleView::TakeSent(const TiXmlElement& sale) {
-  Replace(billNo_, sale, "BillNo");
-  Replace(orgCode_, sale, "OrgCode");
-  Replace(isCalc_, sale, "IsCalc");
+  Replace(m_billNo, sale, "BillNo");
+  Replace(m_orgCode, sale, "OrgCode");
+  Replace(m_isCalc, sale, "IsCalc");
   for (const TiXmlElement* group : Children(&sale)) TakeSentGroup(*group);
 }
 
@@ -59,8 +59,8 @@ void SaleView::TakeSentGroup(const TiXmlElement& group) {
   for (const TiXmlElement* row : Children(&group)) {
     if (name == "Plu") TakeSentLine(*row);
     if (name == "PayMode")
-      payments_.push_back({Text(*row, "PayMode"), Text(*row, "PayCardNo"), Number(*row, "PayMoney")});
-    if (name == "Vip") members_.push_back(Text(*row, "VipType"));
+      m_payments.push_back({Text(*row, "PayMode"), Text(*row, "PayCardNo"), Number(*row, "PayMoney")});
+    if (name == "Vip") m_members.push_back(Text(*row, "VipType"));
   }
 }
 
@@ -73,16 +73,16 @@ void SaleView::TakeSentLine(const TiXmlElement& row) {
   line.amount = Number(row, "Total");
   line.resultAmount = line.amount;
   LineOf(line.serialNo) = line;
-  if (dateTime_.empty()) dateTime_ = Text(row, "SaleDate") + " " + Text(row, "SaleTime");
+  if (m_dateTime.empty()) m_dateTime = Text(row, "SaleDate") + " " + Text(row, "SaleTime");
 }
 
 Line& SaleView::LineOf(int serialNo) {
-  for (Line& line : lines_) {
+  for (Line& line : m_lines) {
     if (line.serialNo == serialNo) return line;
   }
-  lines_.emplace_back();
-  lines_.back().serialNo = serialNo;
-  return lines_.back();
+  m_lines.emplace_back();
+  m_lines.back().serialNo = serialNo;
+  return m_lines.back();
 }
 
 void SaleView::TakeResult(const TiXmlElement& result, bool wholeSale) {
@@ -90,9 +90,9 @@ void SaleView::TakeResult(const TiXmlElement& result, bool wholeSale) {
   TakeDiscounts(result, wholeSale);
   if (!wholeSale) return;
   TakeOffers(result);
-  coupons_.clear();
+  m_coupons.clear();
   for (const TiXmlElement* row : RowsInOrder(result, "ProCoupons")) {
-    coupons_.push_back({Text(*row, "CouponTypeCode"), Number(*row, "Value")});
+    m_coupons.push_back({Text(*row, "CouponTypeCode"), Number(*row, "Value")});
   }
 }
 
@@ -105,46 +105,46 @@ void SaleView::TakeResultLines(const TiXmlElement& result) {
 }
 
 void SaleView::TakeDiscounts(const TiXmlElement& result, bool wholeSale) {
-  if (wholeSale) wholeSale_.clear();
+  if (wholeSale) m_wholeSale.clear();
   for (const TiXmlElement* row : RowsInOrder(result, "ProResult")) {
     const bool onALine = row->Attribute("RowID") != nullptr;
-    (onALine ? LineOf(WholeNumber(*row, "RowID")).discounts : wholeSale_).push_back(ReadDiscount(*row));
+    (onALine ? LineOf(WholeNumber(*row, "RowID")).discounts : m_wholeSale).push_back(ReadDiscount(*row));
   }
 }
 
 void SaleView::TakeOffers(const TiXmlElement& result) {
-  offers_.clear();
+  m_offers.clear();
   for (const TiXmlElement* row : RowsInOrder(result, "ProGifts")) {
     Offer offer{
         Text(*row, "ProBillNo"), Number(*row, "Total"), Number(*row, "UsedTotal"), Number(*row, "LeftTotal"), {}};
     for (const TiXmlElement* item : Children(row)) offer.items.push_back(ReadItem(*item));
     std::reverse(offer.items.begin(), offer.items.end());
-    offers_.push_back(offer);
+    m_offers.push_back(offer);
   }
 }
 
 std::string SaleView::HeaderXml() const {
   TiXmlElement sale("Sale");
-  sale.SetAttribute("BillNo", billNo_);
-  sale.SetAttribute("OrgCode", orgCode_);
-  sale.SetAttribute("IsCalc", isCalc_);
+  sale.SetAttribute("BillNo", m_billNo);
+  sale.SetAttribute("OrgCode", m_orgCode);
+  sale.SetAttribute("IsCalc", m_isCalc);
   TiXmlPrinter printer;
   sale.Accept(&printer);
   return printer.Str();
 }
 
 double SaleView::AmountSent() const {
-  return std::accumulate(lines_.begin(), lines_.end(), 0.0,
+  return std::accumulate(m_lines.begin(), m_lines.end(), 0.0,
                          [](double sum, const Line& line) { return sum + line.amount; });
 }
 
 double SaleView::ToPay() const {
-  return std::accumulate(lines_.begin(), lines_.end(), 0.0,
+  return std::accumulate(m_lines.begin(), m_lines.end(), 0.0,
                          [](double sum, const Line& line) { return sum + line.ToPay(); });
 }
 
 double SaleView::ResultAmount() const {
-  return std::accumulate(lines_.begin(), lines_.end(), 0.0,
+  return std::accumulate(m_lines.begin(), m_lines.end(), 0.0,
                          [](double sum, const Line& line) { return sum + line.resultAmount; });
 }
 

@@ -78,15 +78,15 @@ class SaleView {
   /// @return a sale XML that brings nothing but the header attributes sent so far.
   [[nodiscard]] std::string HeaderXml() const;
 
-  [[nodiscard]] const std::string& BillNo() const { return billNo_; }
-  [[nodiscard]] const std::string& OrgCode() const { return orgCode_; }
-  [[nodiscard]] const std::string& DateTime() const { return dateTime_; }
-  [[nodiscard]] const std::vector<Line>& Lines() const { return lines_; }
-  [[nodiscard]] const std::vector<Discount>& WholeSale() const { return wholeSale_; }
-  [[nodiscard]] const std::vector<Offer>& Offers() const { return offers_; }
-  [[nodiscard]] const std::vector<Coupon>& Coupons() const { return coupons_; }
-  [[nodiscard]] const std::vector<Payment>& Payments() const { return payments_; }
-  [[nodiscard]] const std::vector<std::string>& Members() const { return members_; }
+  [[nodiscard]] const std::string& BillNo() const { return m_billNo; }
+  [[nodiscard]] const std::string& OrgCode() const { return m_orgCode; }
+  [[nodiscard]] const std::string& DateTime() const { return m_dateTime; }
+  [[nodiscard]] const std::vector<Line>& Lines() const { return m_lines; }
+  [[nodiscard]] const std::vector<Discount>& WholeSale() const { return m_wholeSale; }
+  [[nodiscard]] const std::vector<Offer>& Offers() const { return m_offers; }
+  [[nodiscard]] const std::vector<Coupon>& Coupons() const { return m_coupons; }
+  [[nodiscard]] const std::vector<Payment>& Payments() const { return m_payments; }
+  [[nodiscard]] const std::vector<std::string>& Members() const { return m_members; }
 
   [[nodiscard]] double AmountSent() const;
   [[nodiscard]] double ToPay() const;
@@ -101,16 +101,16 @@ class SaleView {
   void TakeOffers(const TiXmlElement& result);
   Line& LineOf(int serialNo);
 
-  std::string billNo_;
-  std::string orgCode_;
-  std::string isCalc_;
-  std::string dateTime_;
-  std::vector<Line> lines_;
-  std::vector<Discount> wholeSale_;
-  std::vector<Offer> offers_;
-  std::vector<Coupon> coupons_;
-  std::vector<Payment> payments_;
-  std::vector<std::string> members_;
+  std::string m_billNo;
+  std::string m_orgCode;
+  std::string m_isCalc;
+  std::string m_dateTime;
+  std::vector<Line> m_lines;
+  std::vector<Discount> m_wholeSale;
+  std::vector<Offer> m_offers;
+  std::vector<Coupon> m_coupons;
+  std::vector<Payment> m_payments;
+  std::vector<std::string> m_members;
 };
 
 }  // namespace Corvane::Tool

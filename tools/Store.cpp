@@ -63,52 +63,52 @@ std::string NameIn(const std::map<std::string, std::string>& names, const std::s
 
 }  // namespace
 
-Store::Store(const std::filesystem::path& folder) : folder_(folder) {
-  if (!std::filesystem::is_directory(folder_)) throw ToolError(folder_.string() + ": no such store directory");
-  if (!std::filesystem::is_regular_file(folder_ / "config.ini")) {
-    throw ToolError(folder_.string() + ": no config.ini in it");
+Store::Store(const std::filesystem::path& folder) : m_folder(folder) {
+  if (!std::filesystem::is_directory(m_folder)) throw ToolError(m_folder.string() + ": no such store directory");
+  if (!std::filesystem::is_regular_file(m_folder / "config.ini")) {
+    throw ToolError(m_folder.string() + ": no config.ini in it");
   }
-  if (!std::filesystem::is_directory(folder_ / "rules")) throw ToolError(folder_.string() + ": no rules/ in it");
+  if (!std::filesystem::is_directory(m_folder / "rules")) throw ToolError(m_folder.string() + ": no rules/ in it");
   RequireDatabaseFile();
   ReadRules();
   ReadGoods();
 }
 
 void Store::RequireDatabaseFile() const {
-  const std::filesystem::path configFile = folder_ / "config.ini";
+  const std::filesystem::path configFile = m_folder / "config.ini";
   std::map<std::string, std::string> settings = ReadDatabaseSettings(ReadFile(configFile));
   if (Lowered(settings["dbtype"]) != "sqlite") return;
   // A bare name belongs to the executable's directory, a name with a path in it counts from the store.
   const std::string& name = settings["dbname"];
   if (name.find('/') == std::string::npos) return;
-  const std::filesystem::path file = folder_ / name;
+  const std::filesystem::path file = m_folder / name;
   if (std::filesystem::is_regular_file(file)) return;
   throw ToolError(configFile.string() + ": the database file " + file.lexically_normal().string() + " is missing");
 }
 
 void Store::ReadRules() {
   std::vector<std::filesystem::path> paths;
-  for (const auto& entry : std::filesystem::directory_iterator(folder_ / "rules")) {
+  for (const auto& entry : std::filesystem::directory_iterator(m_folder / "rules")) {
     if (entry.path().extension() == ".xml") paths.push_back(entry.path());
   }
   std::sort(paths.begin(), paths.end());
   for (const std::filesystem::path& path : paths) {
-    rules_.push_back(ReadRule(path));
-    ruleNames_[rules_.back().billNo] = rules_.back().name;
+    m_rules.push_back(ReadRule(path));
+    m_ruleNames[m_rules.back().billNo] = m_rules.back().name;
   }
 }
 
 void Store::ReadGoods() {
-  const std::filesystem::path path = folder_ / "goods.xml";
+  const std::filesystem::path path = m_folder / "goods.xml";
   if (!std::filesystem::exists(path)) return;
   TiXmlDocument document;
   ParseXml(ReadFile(path), path.string(), document);
   for (const TiXmlElement* row : Children(document.RootElement()))
-    goodsNames_[Text(*row, "PluCode")] = Text(*row, "Name");
+    m_goodsNames[Text(*row, "PluCode")] = Text(*row, "Name");
 }
 
-std::string Store::RuleName(const std::string& billNo) const { return NameIn(ruleNames_, billNo); }
+std::string Store::RuleName(const std::string& billNo) const { return NameIn(m_ruleNames, billNo); }
 
-std::string Store::GoodsName(const std::string& code) const { return NameIn(goodsNames_, code); }
+std::string Store::GoodsName(const std::string& code) const { return NameIn(m_goodsNames, code); }
 
 }  // namespace Corvane::Tool

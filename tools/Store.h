@@ -29,10 +29,10 @@ class Store {
   ///         names is missing (the driver would make an empty one), or when a rule file or goods.xml can't be read.
   explicit Store(const std::filesystem::path& folder);
 
-  [[nodiscard]] const std::filesystem::path& Folder() const { return folder_; }
-  [[nodiscard]] std::filesystem::path LogFile() const { return folder_ / "QnCorvane.txt"; }
+  [[nodiscard]] const std::filesystem::path& Folder() const { return m_folder; }
+  [[nodiscard]] std::filesystem::path LogFile() const { return m_folder / "QnCorvane.txt"; }
   /// In the order of their file names.
-  [[nodiscard]] const std::vector<RuleFile>& Rules() const { return rules_; }
+  [[nodiscard]] const std::vector<RuleFile>& Rules() const { return m_rules; }
   /// @return the promotion's name, or its number when it has none.
   [[nodiscard]] std::string RuleName(const std::string& billNo) const;
   /// @return the name in goods.xml, or the code when there is none.
@@ -43,10 +43,10 @@ class Store {
   void ReadRules();
   void ReadGoods();
 
-  std::filesystem::path folder_;
-  std::vector<RuleFile> rules_;
-  std::map<std::string, std::string> ruleNames_;
-  std::map<std::string, std::string> goodsNames_;
+  std::filesystem::path m_folder;
+  std::vector<RuleFile> m_rules;
+  std::map<std::string, std::string> m_ruleNames;
+  std::map<std::string, std::string> m_goodsNames;
 };
 
 }  // namespace Corvane::Tool

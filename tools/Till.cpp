@@ -16,20 +16,20 @@ constexpr std::size_t kMessageRoom = 1024;
 
 }  // namespace
 
-Till::Till(const Store& store, std::string key) : store_(store), key_(std::move(key)) {
+Till::Till(const Store& store, std::string key) : m_store(store), m_key(std::move(key)) {
   if (BeginInitPro() != 0) {
     FinishInitPro();
-    throw ToolError("the database that " + (store_.Folder() / "config.ini").string() +
-                    " names can't be opened; the log may say more: " + store_.LogFile().string());
+    throw ToolError("the database that " + (m_store.Folder() / "config.ini").string() +
+                    " names can't be opened; the log may say more: " + m_store.LogFile().string());
   }
   LoadRules();
   FinishInitPro();
 }
 
-Till::~Till() { DeleteSaleSetByKey(key_.c_str()); }
+Till::~Till() { DeleteSaleSetByKey(m_key.c_str()); }
 
 void Till::LoadRules() {
-  for (const RuleFile& rule : store_.Rules()) {
+  for (const RuleFile& rule : m_store.Rules()) {
     // A refusal brings the whole rule back behind its text.
     std::vector<char> message(kMessageRoom + rule.xml.size(), '\0');
     if (InitPromotion(rule.loadType.c_str(), rule.xml.c_str(), message.data()) == 0) continue;
@@ -48,18 +48,18 @@ std::size_t Till::ResultRoom() const {
   constexpr std::size_t kForTheFrame = std::size_t{1} << 20U;
   constexpr std::size_t kForTheNumbersOfARow = 8192;
   constexpr std::size_t kForARuleOnALine = 16384;
-  return kForTheFrame + 6 * bytesSent_ +
-         elementsSent_ * (kForTheNumbersOfARow + store_.Rules().size() * kForARuleOnALine);
+  return kForTheFrame + 6 * m_bytesSent +
+         m_elementsSent * (kForTheNumbersOfARow + m_store.Rules().size() * kForARuleOnALine);
 }
 
 Answer Till::Calculate(const std::string& mode, const std::string& saleXml) {
-  bytesSent_ += saleXml.size();
+  m_bytesSent += saleXml.size();
   // No element without its bracket: the count holds for a text that is not well-formed too.
-  elementsSent_ += static_cast<std::size_t>(std::count(saleXml.begin(), saleXml.end(), '<'));
+  m_elementsSent += static_cast<std::size_t>(std::count(saleXml.begin(), saleXml.end(), '<'));
   const ResultBuffer result(ResultRoom());
   std::vector<char> message(kMessageRoom, '\0');
   Answer answer;
-  answer.code = CalcPromotion(key_.c_str(), mode.c_str(), saleXml.c_str(), result.Data(), message.data());
+  answer.code = CalcPromotion(m_key.c_str(), mode.c_str(), saleXml.c_str(), result.Data(), message.data());
   answer.message = message.data();
   answer.xml = result.Text();
   return answer;

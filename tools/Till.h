@@ -41,10 +41,10 @@ class Till {
   void LoadRules();
   [[nodiscard]] std::size_t ResultRoom() const;
 
-  const Store& store_;
-  std::string key_;
-  std::size_t bytesSent_ = 0;
-  std::size_t elementsSent_ = 0;
+  const Store& m_store;
+  std::string m_key;
+  std::size_t m_bytesSent = 0;
+  std::size_t m_elementsSent = 0;
 };
 
 }  // namespace Corvane::Tool

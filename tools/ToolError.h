@@ -14,12 +14,13 @@ class ToolError : public std::runtime_error {
   /// The command line itself is wrong.
   static constexpr int kUsage = 2;
 
-  explicit ToolError(const std::string& text, int exitCode = kFailed) : std::runtime_error(text), exitCode_(exitCode) {}
+  explicit ToolError(const std::string& text, int exitCode = kFailed)
+      : std::runtime_error(text), m_exitCode(exitCode) {}
 
-  [[nodiscard]] int ExitCode() const { return exitCode_; }
+  [[nodiscard]] int ExitCode() const { return m_exitCode; }
 
  private:
-  int exitCode_;
+  int m_exitCode;
 };
 
 }  // namespace Corvane::Tool
