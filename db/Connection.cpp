@@ -26,6 +26,9 @@ QString FilePath(const QString& name) {
   return bare ? InHostDirectory(name) : name;
 }
 
+/// A value that no statement has: none holds a zero byte.
+const std::string kUnbound(1, '\0');
+
 QString FirstFreeName() {
   const QString pattern = QStringLiteral("MyDBProcessConn%1");
   int number = 0;
@@ -79,11 +82,11 @@ bool Connection::MakeOpen(QString& reason) {
   }
   if (DbTypeUpper.isEmpty()) SetKind(Settings.DbType);
   if (m_isSilent) {
-    Db->close();
+    Close();
     m_isSilent = false;
   }
   if (Use.IsFirstUse() && IsOpen() && m_file.IsOutdated()) {
-    Db->close();
+    Close();
     // Under the name that it had: the host may have gone to another directory since.
     Db->setDatabaseName(m_file.Path());
     if (OpenNamed(reason)) return true;
@@ -120,6 +123,17 @@ void Connection::TryDriverAgain() {
   *Db = QSqlDatabase::addDatabase(driver, ConnName);
 }
 
+void Connection::Close() {
+  LetGo();
+  Db->close();
+}
+
+/// Lets go of what belongs to the connection as it was opened.
+void Connection::LetGo() {
+  m_kept.clear();
+  m_isReading = false;
+}
+
 /// Tries an open connection that there is reason to doubt; closes it when it gives no answer.
 bool Connection::WasLost(QString& reason) {
   if (!m_health.NeedsTrial()) return false;
@@ -127,7 +141,7 @@ bool Connection::WasLost(QString& reason) {
   if (Exec(trial, TrialStatement(DbTypeUpper))) return false;
   reason = Use.Reason();
   trial.clear();
-  Db->close();
+  Close();
   m_isSilent = false;
   return true;
 }
@@ -136,6 +150,7 @@ void Connection::SetKind(const QString& type) {
   DbTypeUpper = type.toUpper();
   const QString driver = DriverOf(DbTypeUpper);
   if (driver.isEmpty() || ProcessEnd::HasCome()) return;
+  LetGo();
   ConnName = FirstFreeName();
   Db = std::make_shared<QSqlDatabase>(QSqlDatabase::addDatabase(driver, ConnName));
   m_health = ConnectionHealth(IsRemote(DbTypeUpper));
@@ -206,6 +221,7 @@ bool Connection::NameAccess(const QString& server, const QString& database, QStr
 }
 
 bool Connection::OpenNamed(QString& error) {
+  LetGo();
   Db->setConnectOptions(DriverOptions());
   if (!Db->open()) {
     error += Db->lastError().text();
@@ -264,6 +280,84 @@ bool Connection::Note(const QSqlQuery& query, bool succeeded) {
     m_isSilent = m_isSilent || (isSilent && IsRemote(DbTypeUpper));
   }
   return m_health.Note(succeeded);
+}
+
+QSqlQuery Connection::NewQuery() const {
+  QSqlQuery query(*Db);
+  // SQL Server sends one forward-only result at a time, and loaders ask the next question while reading the last.
+  query.setForwardOnly(DbTypeUpper != Kind::kSqlServer);
+  return query;
+}
+
+bool Connection::Select(const SqlText& sql, QSqlQuery& query) {
+  const bool keeps = DialectOf(DbTypeUpper).KeepsStatements;
+  const bool isFirst = keeps && BeginReading();
+  if (!keeps || !sql.CanBeBound()) {
+    query = NewQuery();
+    return Exec(query, sql.ToString());
+  }
+  const QString pattern = sql.Pattern();
+  const auto kept = m_kept.find(pattern);
+  if (kept != m_kept.end()) {
+    query = kept->Query;
+    if (ExecWith(sql, *kept)) return true;
+    m_kept.erase(kept);
+    // A table that somebody changed is missed by the first statement when it runs, by every other when it is prepared:
+    // the reasons differ, and support knows both.
+    if (isFirst || Use.IsOver()) return false;
+  }
+  query = NewQuery();
+  if (!Prepare(query, pattern)) return false;
+  KeptStatement statement{query, {}};
+  if (!ExecWith(sql, statement)) return false;
+  constexpr int kMostKept = 200;
+  if (m_kept.size() >= kMostKept) m_kept.clear();
+  m_kept.insert(pattern, statement);
+  return true;
+}
+
+/// Most values are as they were: rule after rule asks for the same lines.
+bool Connection::ExecWith(const SqlText& sql, KeptStatement& statement) {
+  std::vector<std::string>& bound = statement.Values;
+  bound.resize(sql.Values().size(), kUnbound);
+  for (std::size_t place = 0; place < bound.size(); ++place) {
+    const Text value = sql.Values()[place];
+    if (bound[place] == value) continue;
+    statement.Query.bindValue(static_cast<int>(place), SqlText::ValueOf(value));
+    bound[place] = value;
+  }
+  return ExecPrepared(statement.Query);
+}
+
+// --- Calls ----------------------------------------------------------------------------------------------------------
+
+bool Connection::BeginCall() {
+  if (!Use.Begin()) return false;
+  EndReading();  // what an earlier call had no memory left to end
+  return true;
+}
+
+void Connection::EndCall() noexcept {
+  EndReading();
+  Use.End();
+}
+
+/// @return whether nothing has been read from the transaction yet, or there is none.
+bool Connection::BeginReading() {
+  if (m_isReading) return false;
+  m_isReading = Use.IsInCall() && Db->transaction();
+  return true;
+}
+
+/// Nothing was written: a transaction that can't be committed is as well given up.
+bool Connection::EndReading() noexcept {
+  return Guarded([&] {
+    if (!m_isReading || !IsOpen()) return true;
+    // A statement that was broken off holds the file.
+    for (KeptStatement& statement : m_kept) statement.Query.finish();
+    m_isReading = !Db->commit() && !Db->rollback();
+    return !m_isReading;
+  });
 }
 
 QString Asked(const char* operation, const QString& what) {

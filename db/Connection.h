@@ -2,17 +2,21 @@
 #define QNCORVANE_DB_CONNECTION_H
 
 #include <QDateTime>
+#include <QHash>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QString>
 #include <QtGlobal>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "db/ConnectionHealth.h"
 #include "db/Guarded.h"
 #include "db/OpenedFile.h"
 #include "db/Settings.h"
+#include "db/SqlText.h"
 #include "db/UseInCall.h"
 
 namespace Corvane {
@@ -82,6 +86,19 @@ class Connection {
     return Run(query, [&] { return query.exec(); });
   }
 
+  /// Runs a SELECT of a rule. Where the kind keeps statements, it is prepared once for as long as the connection stays
+  /// open; and within a call all of them read from one transaction, which sees the store as it was at the first.
+  ///
+  /// @param query out: as from `QnPosDBPro::openRecordset`; the connection must be usable.
+  bool Select(const SqlText& sql, QSqlQuery& query);
+
+  /// A query for rows that are read once, from the first to the last.
+  QSqlQuery NewQuery() const;
+
+  /// The two ends of a call; see DatabaseCall. @return whether no call was running.
+  bool BeginCall();
+  void EndCall() noexcept;
+
   /// Takes in how the last statement went, or how its rows ended. @return `succeeded`.
   bool Note(const QSqlQuery& query, bool succeeded);
 
@@ -94,6 +111,12 @@ class Connection {
   UseInCall Use;
 
  private:
+  /// A prepared statement, and the values that it was last run with.
+  struct KeptStatement {
+    QSqlQuery Query;
+    std::vector<std::string> Values;
+  };
+
   template <class Statement>
   bool Run(const QSqlQuery& query, Statement statement) {
     m_started = ConnectionHealth::Now();
@@ -116,11 +139,18 @@ class Connection {
   bool OpenNamed(QString& error);
   bool TakeAllCharacters(QString& error);
   QString DriverOptions() const;
+  void Close();
+  void LetGo();
+  bool ExecWith(const SqlText& sql, KeptStatement& statement);
+  bool BeginReading();
+  bool EndReading() noexcept;
 
   ConnectionHealth m_health{false};
   ConnectionHealth::Clock::time_point m_started;
   OpenedFile m_file;
   QString m_options;
+  QHash<QString, KeptStatement> m_kept;  ///< prepared statements of the open connection, by their patterns
+  bool m_isReading = false;              ///< the transaction of a call is open
   bool m_isSilent = false;  ///< a statement was not answered in time: what the server says next belongs to that
 };
 
@@ -128,15 +158,15 @@ class Connection {
 QString Asked(const char* operation, const QString& what);
 
 /// Marks one of the engine's calls as running, for the life of this object: the database is given up for its rest when
-/// it can't be opened or keeps silent, and a file that was replaced is opened anew at its first use. A call within a
-/// call is part of it.
+/// it can't be opened or keeps silent, and a file that was replaced is opened anew at its first use. No transaction
+/// outlives it. A call within a call is part of it.
 class DatabaseCall {
  public:
-  explicit DatabaseCall(Connection& connection) : m_connection(connection), m_isOuter(connection.Use.Begin()) {}
+  explicit DatabaseCall(Connection& connection) : m_connection(connection), m_isOuter(connection.BeginCall()) {}
   DatabaseCall(const DatabaseCall&) = delete;
   DatabaseCall& operator=(const DatabaseCall&) = delete;
   ~DatabaseCall() {
-    if (m_isOuter) m_connection.Use.End();
+    if (m_isOuter) m_connection.EndCall();
   }
 
  private:

@@ -107,6 +107,15 @@ class QnPosDBPro {
     return OpenRecordset(*Slot, sql, query, error);
   }
 
+  /// Runs a SELECT of a rule, at the least cost that its kind allows.
+  ///
+  /// @param query out: the result set, standing before the first row; forward only. It is read before the next
+  ///              statement of the same words runs.
+  /// @param reason in and out: the reason of a failure is appended, without the statement.
+  bool openRecordset(const SqlText& sql, QSqlQuery& query, QString& reason) {
+    return OpenRecordset(*Slot, sql, query, reason);
+  }
+
   /// To be asked when `query`, from openRecordset, has no next row: whether its rows ended there or broke off.
   ///
   /// @param error in and out: when they broke off, the reason is appended.

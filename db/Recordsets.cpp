@@ -1,6 +1,5 @@
 #include "db/Recordsets.h"
 
-#include "db/Kind.h"
 #include "db/ProcessEnd.h"
 
 namespace Corvane {
@@ -19,13 +18,24 @@ bool OpenRecordset(Connection& connection, const QString& sql, QSqlQuery& query,
   error = Asked("openRecordset", sql);
   return Guarded(error, [&] {
     if (!connection.IsUsable(error)) return false;
-    query = QSqlQuery(*connection.Db);
-    // SQL Server sends one forward-only result at a time, and loaders ask the next question while reading the last.
-    query.setForwardOnly(connection.DbTypeUpper != Kind::kSqlServer);
+    query = connection.NewQuery();
     if (connection.Exec(query, sql)) return true;
     error += query.lastError().text();
     return false;
   });
+}
+
+bool OpenRecordset(Connection& connection, const SqlText& sql, QSqlQuery& query, QString& reason) {
+  return Guarded(reason, [&] {
+    if (!connection.IsUsable(reason)) return false;
+    if (connection.Select(sql, query)) return true;
+    reason += query.lastError().text();
+    return false;
+  });
+}
+
+QString FailedRecordset(const SqlText& sql, const QString& reason) {
+  return Asked("openRecordset", sql.ToString()) + reason;
 }
 
 bool EndedWell(Connection& connection, const QSqlQuery& query, QString& error) {

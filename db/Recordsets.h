@@ -9,6 +9,7 @@
 
 #include "db/Connection.h"
 #include "db/Guarded.h"
+#include "db/SqlText.h"
 
 namespace Corvane {
 
@@ -17,6 +18,11 @@ bool ExecuteSql(Connection& connection, const QString& sql, QString& error);
 
 /// As `QnPosDBPro::openRecordset`.
 bool OpenRecordset(Connection& connection, const QString& sql, QSqlQuery& query, QString& error);
+
+bool OpenRecordset(Connection& connection, const SqlText& sql, QSqlQuery& query, QString& reason);
+
+/// What the error of a SELECT that failed says: the statement, and the reason behind it.
+QString FailedRecordset(const SqlText& sql, const QString& reason);
 
 /// As `QnPosDBPro::EndedWell`.
 bool EndedWell(Connection& connection, const QSqlQuery& query, QString& error);

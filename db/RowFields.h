@@ -63,9 +63,11 @@ inline QVariant Unpadded(const QVariant& value, bool isPadded) {
 ///
 /// @param query a result set as `db.openRecordset` hands it over.
 /// @param error in and out: when the rows break off, the reason is appended.
+/// @param look  sees the result set on each row.
 /// @return false when the rows broke off; `take` has seen none of them then.
-template <class Record, std::size_t Size, class Taker>
-bool ReadRows(QnPosDBPro& db, QSqlQuery& query, const RowField<Record> (&fields)[Size], QString& error, Taker take) {
+template <class Record, std::size_t Size, class Taker, class Looker>
+bool ReadRows(QnPosDBPro& db, QSqlQuery& query, const RowField<Record> (&fields)[Size], QString& error, Taker take,
+              Looker look) {
   const QSqlRecord columns = query.record();
   std::array<int, Size> places{};
   for (std::size_t field = 0; field < Size; ++field)
@@ -73,6 +75,7 @@ bool ReadRows(QnPosDBPro& db, QSqlQuery& query, const RowField<Record> (&fields)
   const bool isPadded = db.PadsTexts();
   std::vector<Record> records;
   while (query.next()) {
+    look(query);
     Record& record = records.emplace_back();
     for (std::size_t field = 0; field < Size; ++field) {
       if (places[field] >= 0) fields[field].Read(record, Unpadded(query.value(places[field]), isPadded));
@@ -81,6 +84,10 @@ bool ReadRows(QnPosDBPro& db, QSqlQuery& query, const RowField<Record> (&fields)
   if (!db.EndedWell(query, error)) return false;
   for (Record& record : records) take(record);
   return true;
+}
+template <class Record, std::size_t Size, class Taker>
+bool ReadRows(QnPosDBPro& db, QSqlQuery& query, const RowField<Record> (&fields)[Size], QString& error, Taker take) {
+  return ReadRows(db, query, fields, error, take, [](const QSqlQuery& /*query*/) {});
 }
 
 }  // namespace Corvane

@@ -19,6 +19,8 @@ class UseInCall {
   bool Begin();
   void End() { *this = UseInCall(); }
 
+  bool IsInCall() const { return m_isInCall; }
+
   /// Whether the use has ended: what needs the database fails at once then.
   bool IsOver() const { return m_isOver; }
 

@@ -2,10 +2,12 @@
 #define QNCORVANE_PROMO_DETAILTABLE_H
 
 #include <QSqlQuery>
+#include <QSqlRecord>
 #include <QString>
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <type_traits>
 #include <vector>
 
@@ -14,6 +16,9 @@
 #include "db/RowFields.h"
 #include "db/SqlText.h"
 #include "log/Log.h"
+#include "promo/DistinctRows.h"
+#include "sale/LineCodes.h"
+#include "sale/ProSale.h"
 #include "sale/SaleRecords.h"
 
 namespace Corvane {
@@ -21,22 +26,20 @@ namespace Corvane {
 /// What a failed statement puts in front of the database's own text.
 constexpr Text kQueryFailed = "数据库查询失败";
 
-/// What makes two rows the same, for a table whose rows are all kept.
-struct AllDiffer {
-  template <class Row>
-  bool operator()(const Row& /*left*/, const Row& /*right*/) const {
-    return false;
-  }
-};
-
-/// What makes two rows the same, for a table that is asked line by line: the row's number.
-struct SameSerialNo {
-  bool operator()(const ProDetailKey& left, const ProDetailKey& right) const { return left.SerialNo == right.SerialNo; }
+/// A row, and the first line of a sale that it names.
+template <class Row>
+struct NamingRow {
+  std::size_t Line;
+  Row Itself;
 };
 
 /// The detail tables of one rule in the store. A read appends to a list, in the order returned: a row with the head of
-/// detail rows gets the rule's number and its place in the list, and one that is the same as a row held is dropped. A
-/// read that fails appends nothing.
+/// detail rows gets the rule's number and its place in the list. A read that fails appends nothing.
+///
+/// A table of goods is asked for the lines of a sale: first line by line in the order of the sale, then as the rows
+/// come, each row once. One statement brings the rows of all lines, and they are dealt out here; but where the database
+/// may compare codes otherwise than byte by byte, each line is asked for by a statement of its own, so that the
+/// database decides which rows are the line's.
 class DetailTables {
  public:
   /// All three are borrowed. @param error out: of a failure, what the database says and the words in front of it.
@@ -59,13 +62,13 @@ class DetailTables {
     return Sql(words..., Quoted{m_billNo});
   }
 
-  /// @param same    what makes two rows the same.
+  /// Appends all rows that the statement brings.
   /// @param failure what a failure puts in front of the database's text.
-  template <class Row, std::size_t Size, class Same = AllDiffer>
-  bool Read(const SqlText& sql, const RowField<Row> (&columns)[Size], std::vector<Row>& rows, Same same = {},
+  template <class Row, std::size_t Size>
+  bool Read(const SqlText& sql, const RowField<Row> (&columns)[Size], std::vector<Row>& rows,
             Text failure = kQueryFailed) {
-    if (Append(sql, columns, rows, same)) return true;
-    m_error.prepend(QString::fromUtf8(failure));
+    if (Append(sql, columns, rows)) return true;
+    TellOf(sql, m_reason, failure);
     return false;
   }
 
@@ -73,45 +76,122 @@ class DetailTables {
   /// log as it stands, and nothing is put in front of it.
   template <class Row, std::size_t Size>
   bool ReadTiers(const SqlText& sql, const RowField<Row> (&columns)[Size], std::vector<Row>& rows) {
-    if (Append(sql, columns, rows, AllDiffer())) return true;
+    if (Append(sql, columns, rows)) return true;
+    TellOf(sql, m_reason, "");
     Log(m_error);
     return false;
   }
 
-  /// Read for each line of a sale: the rows that name its goods, category or brand. The first failure ends it.
+  /// Appends the rows that name goods, category or brand of a sale's lines, each once. The first failure ends it.
   ///
+  /// @param rows empty.
+  /// @param same what makes two rows of one number the same.
   /// @param more what the statement asks for beyond that.
   template <class Row, std::size_t Size, class Same>
-  bool ReadOfLines(const std::vector<SalePlu>& lines, const SqlText& select, const RowField<Row> (&columns)[Size],
-                   std::vector<Row>& rows, Same same, const SqlText& more = SqlText({})) {
-    return std::all_of(lines.begin(), lines.end(), [&](const SalePlu& line) {
-      return Read(Sql(select, NamingLine(line), more), columns, rows, same);
+  bool ReadOfLines(ProSale& sale, const SqlText& select, const RowField<Row> (&columns)[Size], std::vector<Row>& rows,
+                   Same same, const SqlText& more = SqlText({})) {
+    DistinctRows<Row, Same> distinct(rows, same);
+    const std::vector<LineCodes>& groups = GroupsOf(sale);
+    return std::all_of(groups.begin(), groups.end(), [&](const LineCodes& codes) {
+      if (ReadAtOnce(codes, select, columns, distinct, more)) return true;
+      const QString reason = m_reason;
+      const auto* const unread = std::find_if_not(codes.First, codes.End, [&](const SalePlu& line) {
+        return ReadOfLine(line, select, columns, distinct, more);
+      });
+      // What keeps every statement from running was told to the first, that for all lines.
+      if (unread == codes.First && !reason.isEmpty()) TellOf(Sql(select, NamingLine(*unread), more), reason);
+      return unread == codes.End;
     });
   }
 
+  /// The lines of a sale, in groups for which one statement each may ask.
+  const std::vector<LineCodes>& GroupsOf(ProSale& sale) const { return sale.CodesOfLines(Dialect().LinesAtOnce); }
+
+  /// One statement for a group of lines.
+  ///
+  /// @return false when it failed, and when rows or codes leave in doubt which rows are which line's; nothing is
+  ///         appended then, and the lines are to be asked for one by one.
+  template <class Row, std::size_t Size, class Same>
+  bool ReadAtOnce(const LineCodes& codes, const SqlText& select, const RowField<Row> (&columns)[Size],
+                  DistinctRows<Row, Same>& rows, const SqlText& more = SqlText({})) {
+    m_reason.clear();
+    if (!codes.AreDistinctEverywhere()) return false;
+    bool isCertain = true;
+    std::vector<NamingRow<Row>> naming;
+    const auto take = [&](const Row& row) {
+      const std::optional<std::size_t> line = codes.FirstNamed(row);
+      if (line) naming.push_back({*line, row});
+      isCertain = isCertain && line.has_value();
+    };
+    const auto look = [&, place = -1](const QSqlQuery& query) mutable {
+      if (place < 0) place = query.record().indexOf(QLatin1String("PluCode"));
+      // A code that is no text was found as a number: 7 by "007".
+      isCertain = isCertain && query.value(place).type() == QVariant::String;
+    };
+    if (!Take(Sql(select, NamingLines(codes), more), columns, take, look) || !isCertain) return false;
+    std::stable_sort(naming.begin(), naming.end(),
+                     [](const NamingRow<Row>& left, const NamingRow<Row>& right) { return left.Line < right.Line; });
+    for (const NamingRow<Row>& row : naming) rows.Add(WithHead(row.Itself, rows.Size()));
+    return true;
+  }
+
+  /// One statement for one line.
+  template <class Row, std::size_t Size, class Same>
+  bool ReadOfLine(const SalePlu& line, const SqlText& select, const RowField<Row> (&columns)[Size],
+                  DistinctRows<Row, Same>& rows, const SqlText& more = SqlText({})) {
+    const SqlText sql = Sql(select, NamingLine(line), more);
+    const auto take = [&](const Row& row) { rows.Add(WithHead(row, rows.Size())); };
+    if (Take(sql, columns, take)) return true;
+    TellOf(sql, m_reason);
+    return false;
+  }
+
+ private:
   /// The clause that picks the rows naming a line's goods, its category or its brand.
   SqlText NamingLine(const SalePlu& line) const {
     return Sql(" and ((PluCode=", Quoted{line.PluCode}, " and PluType='PLU') or (PluCode=", Quoted{line.CAT},
                " and PluType='CAT') or (PluCode=", Quoted{line.BRD}, " and PluType='BRD'))");
   }
 
- private:
-  template <class Row, std::size_t Size, class Same>
-  bool Append(const SqlText& sql, const RowField<Row> (&columns)[Size], std::vector<Row>& rows, Same same) {
+  /// The same for several lines.
+  SqlText NamingLines(const LineCodes& codes) const {
+    return Sql(" and ((PluCode in (", QuotedList{codes.Goods.Codes()}, ") and PluType='PLU') or (PluCode in (",
+               QuotedList{codes.Categories.Codes()}, ") and PluType='CAT') or (PluCode in (",
+               QuotedList{codes.Brands.Codes()}, ") and PluType='BRD'))");
+  }
+
+  /// Hands over the rows of a statement when all are there.
+  template <class Row, std::size_t Size, class... Taker>
+  bool Take(const SqlText& sql, const RowField<Row> (&columns)[Size], Taker... take) {
     QSqlQuery query;
-    return m_db.openRecordset(sql.ToString(), query, m_error) && ReadRows(m_db, query, columns, m_error, [&](Row& row) {
-             if constexpr (std::is_base_of_v<ProDetailKey, Row>) {
-               row.BillNo = m_billNo;
-               row.Index = static_cast<std::int32_t>(rows.size());
-             }
-             const auto isRow = [&](const Row& held) { return same(held, row); };
-             if (std::none_of(rows.begin(), rows.end(), isRow)) rows.push_back(row);
-           });
+    m_reason.clear();
+    return m_db.openRecordset(sql, query, m_reason) && ReadRows(m_db, query, columns, m_reason, take...);
+  }
+
+  template <class Row, std::size_t Size>
+  bool Append(const SqlText& sql, const RowField<Row> (&columns)[Size], std::vector<Row>& rows) {
+    return Take(sql, columns, [&](const Row& row) { rows.push_back(WithHead(row, rows.size())); });
+  }
+
+  /// The row as it is held: with the rule's number and its place, where it has room for them.
+  template <class Row>
+  Row WithHead(Row row, std::size_t place) const {
+    if constexpr (std::is_base_of_v<ProDetailKey, Row>) {
+      row.BillNo = m_billNo;
+      row.Index = static_cast<std::int32_t>(place);
+    }
+    return row;
+  }
+
+  /// Makes `error` tell of a statement that failed.
+  void TellOf(const SqlText& sql, const QString& reason, Text failure = kQueryFailed) {
+    m_error = QString::fromUtf8(failure) + FailedRecordset(sql, reason);
   }
 
   QnPosDBPro& m_db;
   Text m_billNo;
   QString& m_error;
+  QString m_reason;  ///< why the last statement failed; empty when it didn't
 };
 
 }  // namespace Corvane

@@ -16,6 +16,11 @@ bool CountsAgainstFurtherRules(Text primary) {
 
 }  // namespace
 
+const std::vector<LineCodes>& ProSale::CodesOfLines(std::size_t most) {
+  if (m_codes.empty()) m_codes = CodesOf(Plus, most);
+  return m_codes;
+}
+
 bool ProSale::CanApplyToSale(Text primary, Text billNo) const {
   int counted = 0;
   for (const ProResult& row : LastToFirst(SaleResults)) {

@@ -1,11 +1,13 @@
 #ifndef QNCORVANE_SALE_PROSALE_H
 #define QNCORVANE_SALE_PROSALE_H
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
 #include "base/ProError.h"
 #include "base/TextPool.h"
+#include "sale/LineCodes.h"
 #include "sale/Multiton.h"
 #include "sale/SaleRecords.h"
 
@@ -29,6 +31,14 @@ class ProSale : public Multiton<ProSale, std::string>, public ProError {
   std::vector<SaleCoupon> Coupons;       ///< coupons received from the front end
   std::vector<SaleCoupon> GivenCoupons;  ///< coupons that rules made for the sale; the result tells their value alone
 
+  /// By what rows can name the lines, in groups; made at the first asking after the lines were read.
+  /// @param most lines of a group, the same at each asking.
+  /// @return lives until the lines are read again.
+  const std::vector<LineCodes>& CodesOfLines(std::size_t most);
+
+  /// To be called before lines change.
+  void ForgetCodes() { m_codes.clear(); }
+
   /// Whether a full-amount rule may still act on the sale, by what `SaleResults` holds.
   bool CanApplyToSale(Text primary, Text billNo) const;
 
@@ -38,6 +48,9 @@ class ProSale : public Multiton<ProSale, std::string>, public ProError {
   /// Empties what calculations and the front end left: the lines' results, the offers, gifts and coupons. Payments,
   /// members and sale-level results stay, and so do the lines' amounts.
   void ResetResults();
+
+ private:
+  std::vector<LineCodes> m_codes;
 };
 
 }  // namespace Corvane

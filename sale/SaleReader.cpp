@@ -195,6 +195,7 @@ void ReadGroup(ProSale& sale, const TiXmlElement& group, std::int32_t& lineIndex
 bool ReadSale(ProSale& sale, Text xml, std::int32_t& lineIndex) {
   try {
     Log(LogText::kReadingSale);
+    sale.ForgetCodes();
     const XmlDocument document(xml);
     const TiXmlElement* root = document.Root();
     if (root == nullptr) return true;

@@ -87,7 +87,7 @@ bool ProCombFixed::LoadRuleDetail(QString& error) {
   if (prices.empty()) return true;
   const SqlText sql =
       tables.Select("select SerialNo,PluCode,PluType,SaleCount,DscPrice from tProPrjCombPluSet where BillNo=");
-  if (!tables.Read(sql, kRowColumns, m_rows, AllDiffer(), kRowsFailed)) return false;
+  if (!tables.Read(sql, kRowColumns, m_rows, kRowsFailed)) return false;
   SettleRows(prices.front());
   return true;
 }

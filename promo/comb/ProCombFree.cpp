@@ -51,7 +51,7 @@ void ProCombFree::CalcRule(RuleRun& run) {
   Log(LogText::kFreeStarts, Info.BillNo);
   if (!run.MeetsConditions()) return;
   // Rows that can't be read are missing; the rule goes on with those that were.
-  LoadRuleDetail(run.Lines());
+  LoadRuleDetail(run.Sale());
   Log(LogText::kFreeRowsRead);
   const LinePtrs single = SelectSingleLines(run.Lines());
   if (single.empty()) return;
@@ -65,14 +65,14 @@ void ProCombFree::CalcRule(RuleRun& run) {
 // --- Rows -----------------------------------------------------------------------------------------------------------
 
 /// Reads the rows that name goods, category or brand of one of the lines, each once, and the tiers.
-void ProCombFree::LoadRuleDetail(const std::vector<SalePlu>& lines) {
+void ProCombFree::LoadRuleDetail(ProSale& sale) {
   m_pluRows.clear();
   m_tiers.clear();
   QString error;
   DetailTables tables(m_db, Info.BillNo, error);
   if (!tables.Open()) return;
   const bool read =
-      tables.ReadOfLines(lines, tables.Select("select SerialNo,PluCode,PluType  from tProPrjCombPluSet where BillNo="),
+      tables.ReadOfLines(sale, tables.Select("select SerialNo,PluCode,PluType  from tProPrjCombPluSet where BillNo="),
                          kPluColumns, m_pluRows, SameSerialNo()) &&
       tables.Read(tables.Select("select SerialNo,SaleCount,PriceType,PriceTotal from tProPrjCombProAct where BillNo="),
                   kTierColumns, m_tiers);

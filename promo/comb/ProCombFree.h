@@ -55,7 +55,7 @@ class ProCombFree : public ProBase {
     bool IsLast = false;  ///< the sets end inside this line: it carries the rounding difference
   };
 
-  void LoadRuleDetail(const std::vector<SalePlu>& lines);
+  void LoadRuleDetail(ProSale& sale);
 
   CombPool GetSaleAccordCombFree(const RuleRun& run, const LinePtrs& lines) const;
   void AddToPool(const RuleRun& run, CombPool& pool, SalePlu& line) const;

@@ -44,15 +44,20 @@ void DirectDetail::Clear() {
   m_actions.clear();
 }
 
-void DirectDetail::LoadRuleDetail(QnPosDBPro& db, Text billNo, const std::vector<SalePlu>& lines) {
+void DirectDetail::LoadRuleDetail(QnPosDBPro& db, Text billNo, ProSale& sale) {
   Clear();
+  QString error;
+  DetailTables tables(db, billNo, error);
+  const bool isOpen = tables.Open();
   std::vector<DirectRow> rows;
-  for (const SalePlu& line : lines) {
-    QString error;
-    DetailTables tables(db, billNo, error);
-    const bool read = tables.Open() && tables.Read(tables.Sql(tables.Select(kRowsOfRule), tables.NamingLine(line)),
-                                                   kColumns, rows, SameSerialNo());
-    Log(read ? LogText::kDetailRead : LogText::kDetailNotRead, billNo);
+  DistinctRows<DirectRow, SameSerialNo> distinct(rows);
+  for (const LineCodes& codes : tables.GroupsOf(sale)) {
+    const bool readAtOnce = isOpen && tables.ReadAtOnce(codes, tables.Select(kRowsOfRule), kColumns, distinct);
+    for (const SalePlu* line = codes.First; line != codes.End; ++line) {
+      const bool read =
+          readAtOnce || (tables.Open() && tables.ReadOfLine(*line, tables.Select(kRowsOfRule), kColumns, distinct));
+      Log(read ? LogText::kDetailRead : LogText::kDetailNotRead, billNo);
+    }
   }
   for (const DirectRow& row : rows) {
     m_conditions.push_back({row, row.SaleCount, 0, row.TradeMaxCount});

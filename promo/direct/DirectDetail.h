@@ -17,10 +17,10 @@ class DirectDetail {
  public:
   void Clear();
 
-  /// Empties the rows and reads those that name the goods, category or brand of one of the lines. A row that several
+  /// Empties the rows and reads those that name the goods, category or brand of one of the sale's lines. A row that several
   /// lines hit is kept once, by its `SerialNo`. A line for which the database doesn't answer has no rows; the log then
   /// names the rule, and the other lines go on.
-  void LoadRuleDetail(QnPosDBPro& db, Text billNo, const std::vector<SalePlu>& lines);
+  void LoadRuleDetail(QnPosDBPro& db, Text billNo, ProSale& sale);
 
   const std::vector<PluCondition>& Conditions() const { return m_conditions; }
 

@@ -28,7 +28,7 @@ void ProDirectBatch::InitRule(Text xml) { ReadRule(xml, *this); }
 void ProDirectBatch::CalcRule(RuleRun& run) {
   Log(LogText::kBatchLimitKind, Info.MaxYhType);
   if (!run.MeetsConditions()) return;
-  m_detail.LoadRuleDetail(m_db, Info.BillNo, run.Lines());  // nothing changes the lines meanwhile
+  m_detail.LoadRuleDetail(m_db, Info.BillNo, run.Sale());  // nothing changes the lines meanwhile
   const SplitRows rows(m_detail.Conditions());
   const LinePtrs single = SelectSingleLines(run.Lines());
   if (single.empty()) return;

@@ -18,7 +18,7 @@ void ProDirectLimit::InitRule(Text xml) { ReadRule(xml, *this); }
 void ProDirectLimit::CalcRule(RuleRun& run) {
   m_detail.Clear();
   if (!run.MeetsConditions()) return;
-  m_detail.LoadRuleDetail(m_db, Info.BillNo, run.Lines());  // nothing changes the lines meanwhile
+  m_detail.LoadRuleDetail(m_db, Info.BillNo, run.Sale());  // nothing changes the lines meanwhile
   for (SalePlu& line : run.Lines()) CalcRuleOnLine(run, line);
   // This type enforces its limit without announcing it in the log.
   run.Limit(LimitLog::Unannounced);

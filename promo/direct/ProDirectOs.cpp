@@ -42,7 +42,7 @@ void ProDirectOs::InitRule(Text xml) { ReadRule(xml, *this); }
 
 void ProDirectOs::CalcRule(RuleRun& run) {
   if (!run.MeetsConditions()) return;
-  m_detail.LoadRuleDetail(m_db, Info.BillNo, run.Lines());  // nothing changes the lines meanwhile
+  m_detail.LoadRuleDetail(m_db, Info.BillNo, run.Sale());  // nothing changes the lines meanwhile
   const LinePtrs pool = SelectRowLines(run, SelectSingleLines(run.Lines()));
   if (pool.empty()) return;
   for (const PluCondition& condition : LastToFirst(m_detail.Conditions())) {

@@ -32,14 +32,13 @@ bool SameRow(const PluCondition& left, const PluCondition& right) {
 
 }  // namespace
 
-bool LoadListConditions(DetailTables& tables, Text listCode, const std::vector<SalePlu>& lines,
-                        std::vector<PluCondition>& rows) {
-  return tables.ReadOfLines(lines, tables.Select("select ", kRowsOfRule), kColumns, rows, SameRow,
+bool LoadListConditions(DetailTables& tables, Text listCode, ProSale& sale, std::vector<PluCondition>& rows) {
+  return tables.ReadOfLines(sale, tables.Select("select ", kRowsOfRule), kColumns, rows, SameRow,
                             tables.Sql(" and ListCode=", Quoted{listCode}));
 }
 
-bool LoadRuleConditions(DetailTables& tables, const std::vector<SalePlu>& lines, std::vector<PluCondition>& rows) {
-  const bool loaded = tables.ReadOfLines(lines, tables.Select("select ", kRowsOfRule), kColumns, rows, SameRow);
+bool LoadRuleConditions(DetailTables& tables, ProSale& sale, std::vector<PluCondition>& rows) {
+  const bool loaded = tables.ReadOfLines(sale, tables.Select("select ", kRowsOfRule), kColumns, rows, SameRow);
   if (!loaded || !rows.empty()) return loaded;
   return tables.Read(SelectOneRow(tables), kColumns, rows);
 }

@@ -16,12 +16,11 @@ namespace Corvane {
 // `SerialNo`, `ListCode` and `DataId`.
 
 /// Reads the rows of one list of a rule.
-bool LoadListConditions(DetailTables& tables, Text listCode, const std::vector<SalePlu>& lines,
-                        std::vector<PluCondition>& rows);
+bool LoadListConditions(DetailTables& tables, Text listCode, ProSale& sale, std::vector<PluCondition>& rows);
 
 /// Reads the rows of a rule without lists of its own. When none of the rule's rows names a line of the sale, one of
 /// them is held all the same: no rows at all mean the whole sale, and this is not that case.
-bool LoadRuleConditions(DetailTables& tables, const std::vector<SalePlu>& lines, std::vector<PluCondition>& rows);
+bool LoadRuleConditions(DetailTables& tables, ProSale& sale, std::vector<PluCondition>& rows);
 
 /// The lines that count, and what they bring: with rows those that the rows take, without rows all.
 RuleLines SelectConditionLines(const RuleRun& run, const std::vector<PluCondition>& rows);

@@ -19,9 +19,9 @@ namespace Corvane {
 
 void ProMzFree::InitRule(Text xml) { ReadRule(xml, *this); }
 
-bool ProMzFree::LoadRuleDetail(const std::vector<SalePlu>& lines, QString& error) {
+bool ProMzFree::LoadRuleDetail(ProSale& sale, QString& error) {
   DetailTables tables(m_db, Info.BillNo, error);
-  return tables.Open() && LoadRuleConditions(tables, lines, m_conditions) &&
+  return tables.Open() && LoadRuleConditions(tables, sale, m_conditions) &&
          tables.ReadTiers(tables.Select("select SerialNo,PluCode,BaseConType,BaseConNum,BaseDscType,BaseDscNum,"
                                         "AddConNum,AddDscNum,SaleMaxIn from tProMzScheme where BillNo="),
                           kGoodsTierColumns, m_tiers);
@@ -33,7 +33,7 @@ void ProMzFree::CalcRule(RuleRun& run) {
   m_tiers.clear();
   QString error;
   // Nothing changes the lines while rows are read, so the loader takes no copy of them.
-  if (!LoadRuleDetail(run.Lines(), error)) {
+  if (!LoadRuleDetail(run.Sale(), error)) {
     Log(QString::fromUtf8(LogText::kGoodsFreeFailed) + error);
     return;
   }

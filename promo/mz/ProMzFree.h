@@ -45,7 +45,7 @@ class ProMzFree : public ProBase {
     double Carried = 0;         ///< quantity of the condition lines that earlier tiers used up
   };
 
-  bool LoadRuleDetail(const std::vector<SalePlu>& lines, QString& error);
+  bool LoadRuleDetail(ProSale& sale, QString& error);
   void CalcTier(RuleRun& run, const PluAddAction& tier, Work& work) const;
   static GiftGoods FindGiftGoods(const RuleRun& run, const PluAddAction& tier);
   static bool FreeFromTier(RuleRun& run, const PluAddAction& tier, GiftGoods& goods, Work& work);

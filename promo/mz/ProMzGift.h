@@ -27,7 +27,7 @@ class ProMzGift : public ProBase {
   void CalcRule(RuleRun& run);
 
  private:
-  bool LoadRuleDetail(const std::vector<SalePlu>& lines, QString& error);
+  bool LoadRuleDetail(ProSale& sale, QString& error);
   void OfferTiers(const RuleLines& area, ProSale& sale) const;
   SaleProGift OffersFrom(const PluAddAction& tier, double value) const;
 

@@ -102,10 +102,10 @@ double TakeFromLines(const RuleRun& run, const PluAddAction& tier, const LinePtr
 
 void ProMzPlu::InitRule(Text xml) { ReadRule(xml, *this); }
 
-bool ProMzPlu::LoadRuleDetail(const std::vector<SalePlu>& lines, QString& error) {
+bool ProMzPlu::LoadRuleDetail(ProSale& sale, QString& error) {
   DetailTables tables(m_db, Info.BillNo, error);
   return tables.Open() &&
-         tables.ReadOfLines(lines,
+         tables.ReadOfLines(sale,
                             tables.Select("select SerialNo,PluCode,PluType,BaseConType,BaseConNum,BaseDscType,"
                                           "BaseDscNum,AddConNum,AddDscNum,SaleMaxIn,DataId from tProMzPluAct "
                                           "where BillNo="),
@@ -117,7 +117,7 @@ void ProMzPlu::CalcRule(RuleRun& run) {
   m_tiers.clear();
   QString error;
   // Nothing changes the lines while rows are read, so the loader takes no copy of them.
-  if (!LoadRuleDetail(run.Lines(), error)) {
+  if (!LoadRuleDetail(run.Sale(), error)) {
     Log(QString::fromUtf8(LogText::kGoodsFailed) + error);
     return;
   }

@@ -26,7 +26,7 @@ class ProMzPlu : public ProBase {
   void CalcRule(RuleRun& run);
 
  private:
-  bool LoadRuleDetail(const std::vector<SalePlu>& lines, QString& error);
+  bool LoadRuleDetail(ProSale& sale, QString& error);
   void CalcTier(RuleRun& run, const PluAddAction& tier, const LinePtrs& singleLines) const;
 
   std::vector<PluAddAction> m_tiers;  ///< read anew for each sale

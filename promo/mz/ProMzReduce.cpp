@@ -59,7 +59,7 @@ double GivenOn(const RuleRun& run, const SalePlu& line) {
 
 void ProMzReduce::InitRule(Text xml) { ReadRule(xml, *this); }
 
-bool ProMzReduce::LoadRuleDetail(const std::vector<SalePlu>& lines, QString& error) {
+bool ProMzReduce::LoadRuleDetail(ProSale& sale, QString& error) {
   DetailTables tables(m_db, Info.BillNo, error);
   if (!tables.Open()) return false;
   const SqlText sql =
@@ -67,7 +67,7 @@ bool ProMzReduce::LoadRuleDetail(const std::vector<SalePlu>& lines, QString& err
   std::vector<ListRow> lists;
   if (!tables.Read(sql, kListColumns, lists)) return false;
   return std::all_of(lists.begin(), lists.end(), [&](ListRow& list) {
-    const bool read = LoadListConditions(tables, list.ListCode, lines, list.Conditions) && LoadTiers(tables, list);
+    const bool read = LoadListConditions(tables, list.ListCode, sale, list.Conditions) && LoadTiers(tables, list);
     if (read) m_lists.push_back(std::move(list));
     return read;
   });
@@ -78,7 +78,7 @@ void ProMzReduce::CalcRule(RuleRun& run) {
   m_lists.clear();
   QString error;
   // Nothing changes the lines while rows are read, so the loader takes no copy of them.
-  if (!LoadRuleDetail(run.Lines(), error)) {
+  if (!LoadRuleDetail(run.Sale(), error)) {
     Log(QString::fromUtf8(LogText::kReduceFailed) + error);
     return;
   }

@@ -25,7 +25,7 @@ class ProMzReduce : public ProBase {
   void CalcRule(RuleRun& run);
 
  private:
-  bool LoadRuleDetail(const std::vector<SalePlu>& lines, QString& error);
+  bool LoadRuleDetail(ProSale& sale, QString& error);
   static void CalcList(RuleRun& run, ProMzList& list);
   static void ReduceWholeSale(RuleRun& run, const ProMzList& list);
   static void ReduceChosenLines(RuleRun& run, const ProMzList& list);

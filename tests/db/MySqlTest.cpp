@@ -2,8 +2,10 @@
 #include <QDateTime>
 #include <QVariant>
 
+#include "db/Connection.h"
 #include "db/RowFields.h"
 #include "tests/db/ServerStore.h"
+#include "tests/support/BothWays.h"
 
 using Corvane::QnPosDBPro;
 using dbtest::U;
@@ -73,6 +75,33 @@ TEST_F(MySql, FourByteCharactersPassBothWays) {
   EXPECT_EQ(Answer("select Name from t where Name='😀𠮷'"), "😀𠮷");
   EXPECT_EQ(Answer("select char_length(Name) from t"), "2");
   EXPECT_EQ(Answer("select @@character_set_client"), "utf8mb4");
+}
+
+TEST_F(MySql, RowsOfAllLinesAtOnceAreThoseOfEachLine) {
+  for (const char* declared :
+       {"varchar(40) character set utf8mb4 collate utf8mb4_bin",
+        "varchar(40) character set utf8mb4 collate utf8mb4_general_ci",
+        "varchar(40) character set utf8mb4 collate utf8mb4_unicode_ci",
+        "char(40) character set utf8mb4 collate utf8mb4_general_ci",
+        "varchar(40) character set latin1 collate latin1_swedish_ci", "varbinary(80)", "int", "double"}) {
+    const bool holdsNumbers = std::string(declared) == "int" || std::string(declared) == "double";
+    ASSERT_TRUE(Run("drop table if exists t") &&
+                Run((std::string("create table t(BillNo varchar(20), SerialNo int, Place int "
+                                 "auto_increment primary key, PluCode ") +
+                     declared + ", PluType varchar(5) collate utf8mb4_general_ci)")
+                        .c_str()))
+        << declared << ": " << Utf8(m_error);
+    ASSERT_TRUE(Run("set sql_mode=''"));  // a code that the column can't hold goes in as what is left of it
+    const Corvane::DatabaseCall call(m_db->Shared());
+    bothways::Comparison lookAlikes(*m_db, bothways::LookAlikes());
+    lookAlikes.Run(200);
+    EXPECT_GT(lookAlikes.LineByLine, 50) << declared;
+    bothways::Comparison ordinary(*m_db, bothways::Ordinary());
+    ordinary.Run(100);
+    bothways::Comparison numbers(*m_db, bothways::Numbers());
+    numbers.Run(100);
+    EXPECT_GT(ordinary.AtOnce + numbers.AtOnce, holdsNumbers ? 0 : 20) << declared;
+  }
 }
 
 struct FlagRow {

@@ -5,6 +5,7 @@
 
 using Corvane::DialectOf;
 using Corvane::Quoted;
+using Corvane::QuotedList;
 using Corvane::SqlDialect;
 using Corvane::SqlText;
 
@@ -38,6 +39,34 @@ TEST(DbSqlText, APieceIsTakenAsItStands) {
   const SqlDialect dialect = DialectOf(QStringLiteral("MYSQL"));
   const SqlText piece(dialect, " and c=", Quoted{"'\\"});
   EXPECT_EQ(SqlText(dialect, "x", piece).ToString().toStdString(), "x and c='''\\\\'");
+}
+
+TEST(DbSqlText, AListHasCommasBetween) {
+  const std::vector<const char*> values{"a", "'", nullptr};
+  EXPECT_EQ(SqlText(DialectOf(QStringLiteral("MYSQL")), "in (", QuotedList{values}, ")").ToString().toStdString(),
+            "in ('a','''','')");
+}
+
+TEST(DbSqlText, WhereStatementsAreKeptListsHaveFewLengths) {
+  const SqlDialect dialect = DialectOf(QStringLiteral("SQLITE"));
+  const std::vector<const char*> values{"a", "b", "c"};
+  const SqlText sql(dialect, "x=", Quoted{"1"}, " and y in (", QuotedList{values}, ")");
+  EXPECT_EQ(sql.Pattern().toStdString(), "x=? and y in (?,?,?,?)");
+  EXPECT_EQ(sql.ToString().toStdString(), "x='1' and y in ('a','b','c','c')");
+}
+
+TEST(DbSqlText, APatternTakesItsPiecesInTheirOrder) {
+  const SqlDialect dialect = DialectOf(QStringLiteral("SQLITE"));
+  const SqlText piece(dialect, " and b=", Quoted{"2"}, " and c=", Quoted{"3"});
+  const SqlText sql(dialect, "a=", Quoted{"1"}, piece, " and d=", Quoted{"4"}, ";");
+  EXPECT_EQ(sql.Pattern().toStdString(), "a=? and b=? and c=? and d=?;");
+  EXPECT_EQ(sql.ToString().toStdString(), "a='1' and b='2' and c='3' and d='4';");
+}
+
+TEST(DbSqlText, AValueHasTheSignsThatItHasWithinTheStatement) {
+  EXPECT_EQ(SqlText::ValueOf("\uFEFFa'b"), QString::fromUtf8(" \uFEFFa'b").mid(1));
+  EXPECT_EQ(SqlText::ValueOf("\xE4\xB8"), QString::fromUtf8(" \xE4\xB8 ").trimmed());
+  EXPECT_EQ(SqlText::ValueOf(""), QString());
 }
 
 TEST(DbSqlText, EachKindAsksForOneRowInItsOwnWay) {
