@@ -5,6 +5,7 @@
 #include <QVariant>
 
 #include "db/ProcessEnd.h"
+#include "log/LogFlush.h"
 
 namespace Corvane {
 namespace {
@@ -25,6 +26,11 @@ qint32 TimeoutSetting(const QSettings& settings, const char* key) {
   return isNumber && seconds >= 0 && seconds <= kLongestTimeout ? seconds : DatabaseSettings::DefaultTimeout;
 }
 
+LogFlush FlushSetting(const QSettings& settings) {
+  const bool isCall = TextSetting(settings, "Log/Flush").compare(QLatin1String("call"), Qt::CaseInsensitive) == 0;
+  return isCall ? LogFlush::Call : LogFlush::Entry;
+}
+
 }  // namespace
 
 DatabaseSettings ReadSettings() {
@@ -39,6 +45,7 @@ DatabaseSettings ReadSettings() {
   read.Port = settings.value(QStringLiteral("DataBase/Port")).toInt();
   read.ConnectTimeout = TimeoutSetting(settings, "DataBase/ConnectTimeout");
   read.ReadTimeout = TimeoutSetting(settings, "DataBase/ReadTimeout");
+  SetLogFlush(FlushSetting(settings));
   ProcessEnd::AfterSettings();
   return read;
 }

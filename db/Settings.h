@@ -22,7 +22,8 @@ struct DatabaseSettings {
 };
 
 /// Reads "config.ini" in the current directory. A timeout that is no whole number of seconds, 0 included, is the
-/// default.
+/// default. The file's one other group, "Log", is for the log, which is told at once: `Flush`, "call" or "entry"
+/// (log/LogFlush.h), in any letter case; anything else is "entry".
 DatabaseSettings ReadSettings();
 
 }  // namespace Corvane

@@ -2,6 +2,7 @@
 #include "engine/ProState.h"
 #include "engine/RuleCalls.h"
 #include "engine/SaleCalls.h"
+#include "log/LogCall.h"
 #include "qncorvane/qncorvane.h"
 
 // The boundary: plain C names in front of the engine's own.
@@ -9,9 +10,11 @@
 namespace {
 
 /// The last barrier: a host may be written in any language, and no exception passes to it. A call that has a text for
-/// its failure catches its exceptions itself; what arrives here has none.
+/// its failure catches its exceptions itself; what arrives here has none. The log's entries are in the file and the
+/// file is closed when the call returns.
 template <class Call>
 int Guarded(Call call) noexcept {
+  const Corvane::LogCall logged;
   try {
     return call();
   } catch (...) {

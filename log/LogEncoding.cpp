@@ -7,29 +7,17 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
-#include <string>
+#include <limits>
+#include <stdexcept>
+#include <string_view>
 
-#include "base/NeverDestroyed.h"
+#include "log/Utf8.h"
 
 namespace Corvane {
 
 namespace {
 
 constexpr int kUtf8 = 106;  // its number in IANA's list of character sets
-
-/// The name of the encoding last in use; empty for UTF-8.
-std::string& LastEncoding() {
-  static NeverDestroyed<std::string> name;
-  return *name;
-}
-
-void Remember(const QTextCodec& codec) {
-  if (codec.mibEnum() == kUtf8) {
-    LastEncoding().clear();
-  } else {
-    LastEncoding() = codec.name().toStdString();
-  }
-}
 
 /// The system's converter from UTF-8 into an encoding.
 class Converter {
@@ -73,20 +61,37 @@ class Converter {
   iconv_t m_handle;
 };
 
-QByteArray WithoutQt(const QString& text) {
-  QByteArray utf8 = text.toUtf8();
-  if (LastEncoding().empty()) return utf8;
-  const Converter converter(LastEncoding());
-  return converter.IsUsable() ? converter.Convert(utf8) : utf8;
-}
-
 }  // namespace
 
-QByteArray InLogEncoding(const QString& text) {
+QByteArray LogEncoding::Encoded(const QString& text) {
   const QTextCodec* const codec = QTextCodec::codecForLocale();
   if (codec == nullptr) return WithoutQt(text);
-  Remember(*codec);
+  m_last = codec->mibEnum() == kUtf8 ? std::string() : codec->name().toStdString();
   return codec->fromUnicode(text);
+}
+
+void LogEncoding::Encode(std::string& text, std::size_t begin) {
+  const std::string_view utf8 = std::string_view(text).substr(begin);
+  // Qt counts in 32 bits.
+  if (utf8.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) throw std::length_error("log entry");
+  if (IsUtf8() && ComesThroughUnchanged(utf8)) return;
+  const QByteArray encoded = Encoded(QString::fromUtf8(utf8.data(), static_cast<int>(utf8.size())));
+  text.replace(begin, std::string::npos, encoded.constData(), static_cast<std::size_t>(encoded.size()));
+}
+
+bool LogEncoding::IsUtf8() {
+  const QTextCodec* const codec = QTextCodec::codecForLocale();
+  if (codec == nullptr) return m_last.empty();
+  if (codec->mibEnum() != kUtf8) return false;
+  m_last.clear();
+  return true;
+}
+
+QByteArray LogEncoding::WithoutQt(const QString& text) const {
+  QByteArray utf8 = text.toUtf8();
+  if (m_last.empty()) return utf8;
+  const Converter converter(m_last);
+  return converter.IsUsable() ? converter.Convert(utf8) : utf8;
 }
 
 }  // namespace Corvane

@@ -1,0 +1,42 @@
+#ifndef QNCORVANE_LOG_LOGFILE_H
+#define QNCORVANE_LOG_LOGFILE_H
+
+#include <sys/stat.h>
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+namespace Corvane {
+
+/// The file "QnCorvane.txt" of the current directory. It is found by this name at each append, wherever the process may
+/// have gone and whatever has become of the file in between; a descriptor that is open already serves while the name
+/// leads to it.
+class LogFile {
+ public:
+  LogFile() = default;
+  LogFile(const LogFile&) = delete;
+  LogFile& operator=(const LogFile&) = delete;
+  ~LogFile() { Close(); }
+
+  /// Appends entries under the size rule (log/SizeRule.h), to the bytes that one append for each would leave. What
+  /// can't be written, whatever the cause, is lost; the next append tries again.
+  ///
+  /// @param ends where each entry ends in `entries`, the last one at its end.
+  void Append(std::string_view entries, const std::vector<std::size_t>& ends) noexcept;
+
+  void Close() noexcept;
+
+ private:
+  bool IsStillThere(struct stat& state) const noexcept;
+  bool Open(struct stat& state) noexcept;
+  void AppendUnderSizeRule(std::string_view entries, const std::vector<std::size_t>& ends, off_t size) noexcept;
+  void Write(std::string_view bytes) noexcept;
+
+  int m_descriptor = -1;
+  struct stat m_opened {};  ///< the file's state when it was opened
+};
+
+}  // namespace Corvane
+
+#endif
