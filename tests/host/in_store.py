@@ -1,6 +1,8 @@
 """Runs a command in a fresh copy of the sample store and hands its exit code on.
 
-in_store.py SAMPLES COMMAND [ARGUMENT...]
+in_store.py SAMPLES [--flush WORD] COMMAND [ARGUMENT...]
+
+With --flush the store's settings hold the word for the log's "Flush".
 """
 
 import os
@@ -9,13 +11,18 @@ import subprocess
 import sys
 import tempfile
 
-from store import make_store
+from store import make_store, set_flush
 
 
 def main() -> int:
     samples, command = pathlib.Path(sys.argv[1]), sys.argv[2:]
+    flush = None
+    if command[0] == "--flush":
+        flush, command = command[1], command[2:]
     with tempfile.TemporaryDirectory() as folder:
         make_store(samples, pathlib.Path(folder))
+        if flush:
+            set_flush(pathlib.Path(folder), flush)
         return subprocess.run(command, cwd=folder, env=os.environ, check=False).returncode
 
 

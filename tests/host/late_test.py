@@ -9,20 +9,30 @@ import sys
 import tempfile
 import unittest
 
-from store import make_store
+from store import make_store, set_flush
 
 LIBRARY, C_HOST, CPP_HOST, SAMPLES = (sys.argv.pop(1) for _ in range(4))
 
 
+def make_sample_store(folder):
+    make_store(pathlib.Path(SAMPLES), folder)
+
+
+def flush_by_calls(folder):
+    set_flush(folder, "call")
+
+
 class LateCalls(unittest.TestCase):
     def run_host(self, *command):
-        """Runs a host in an empty folder, and once more in the sample store with a rule that reads a table there.
+        """Runs a host in an empty folder, and once more in the sample store with a rule that reads a table there; both
+        also with a log that is written when a call returns.
 
-        Returns how often all late calls were answered, which is the same both times.
+        Returns how often all late calls were answered, which is the same each time.
         """
         answered = self.run_in(lambda folder: None, command)
-        with_tables = self.run_in(lambda folder: make_store(pathlib.Path(SAMPLES), folder), (*command, "tables"))
-        self.assertEqual(with_tables, answered)
+        for prepare, arguments in ((make_sample_store, ("tables",)), (flush_by_calls, ()),
+                                   (lambda folder: (make_sample_store(folder), flush_by_calls(folder)), ("tables",))):
+            self.assertEqual(self.run_in(prepare, (*command, *arguments)), answered)
         return answered
 
     def run_in(self, prepare, command):

@@ -13,3 +13,9 @@ def make_store(samples: pathlib.Path, folder: pathlib.Path) -> None:
     for script in sorted((samples / "data").glob("*.sql")):
         database.executescript(script.read_text("utf-8"))
     database.close()
+
+
+def set_flush(folder: pathlib.Path, word: str) -> None:
+    """Writes the log's setting "Flush" behind what "config.ini" holds."""
+    with open(folder / "config.ini", "a", encoding="utf-8") as file:
+        file.write(f"\n[Log]\nFlush={word}\n")

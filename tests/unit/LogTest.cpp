@@ -22,6 +22,7 @@
 #include <regex>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "tests/unit/RuleFixture.h"
 
@@ -196,6 +197,54 @@ TEST_F(LogFile, SeveralPiecesAreOneEntry) {
 TEST_F(LogFile, BytesThatAreNoUtf8BecomeTheReplacementCharacter) {
   Log("a\xE4z\xFF");
   EXPECT_EQ(Logged(), (Entries{"a\uFFFDz\uFFFD"}));
+}
+
+struct Bytes {
+  std::string Text;
+  std::string Written;
+};
+
+TEST_F(LogFile, BytesComeOutOfTheConversionSo) {
+  using namespace std::string_literals;
+  const std::vector<Bytes> cases = {
+      {"\xEF\xBB\xBF"
+       "a",
+       "a"},  // a byte order mark in front goes, and only one
+      {"\xEF\xBB\xBF\xEF\xBB\xBF", "\xEF\xBB\xBF"},
+      {"a\xEF\xBB\xBF", "a\xEF\xBB\xBF"},
+      {"\xEF\xBB", "\uFFFD\uFFFD"},
+      {"a\0b"s, "a\0b"s},
+      {"\xEF\xBF\xBE", "\xEF\xBF\xBE"},  // U+FFFE and U+FDD0 are no characters, and stay
+      {"\xEF\xB7\x90", "\xEF\xB7\x90"},
+      {"\xF4\x8F\xBF\xBF", "\xF4\x8F\xBF\xBF"},
+      {"\xF4\x90\x80\x80", "\uFFFD\uFFFD\uFFFD\uFFFD"},
+      {"\xED\xA0\x80", "\uFFFD\uFFFD\uFFFD"},  // a surrogate
+      {"\xC0\x80", "\uFFFD\uFFFD"},
+      {"\xE0\x9F\xBF", "\uFFFD\uFFFD\uFFFD"},
+      {"\xE4\xBF\x83\xE4", "\xE4\xBF\x83\uFFFD"},
+      {"\xF0\x9F\x8D\xB5", "\xF0\x9F\x8D\xB5"},
+  };
+  Entries written;
+  for (const Bytes& test : cases) {
+    Log(test.Text);
+    written.push_back(test.Written);
+  }
+  EXPECT_EQ(Logged(), written);
+}
+
+TEST_F(LogFile, PiecesAreConvertedTogether) {
+  Corvane::LogPieces({"\xE4\xBF", "\x83"});
+  Corvane::LogPieces({"", "\xEF\xBB", "\xBF", "a"});
+  Corvane::LogPieces({"a", "\xEF\xBB\xBF"});
+  EXPECT_EQ(Logged(), (Entries{"\xE4\xBF\x83", "a", "a\xEF\xBB\xBF"}));
+}
+
+TEST_F(LogFile, FollowsACodecThatTheHostChanges) {
+  QTextCodec::setCodecForLocale(QTextCodec::codecForName("GB18030"));
+  Log("满");
+  QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+  Log("满");
+  EXPECT_EQ(Logged(), (Entries{"\xC2\xFA", "\xE6\xBB\xA1"}));
 }
 
 TEST_F(LogFile, EntriesFollowEachOther) {
