@@ -1,6 +1,7 @@
 """Proves that two libraries answer alike: plays generated tills on both and compares every answer byte by byte.
 
 compare.py OLD NEW --schema FILE [--count N] [--seed S] [--save FILE] [--replay FILE] [--stats]
+           [--flush call]
 
 Exit code 0: nothing differs. 1: something does, and stands on the output, made small. 2: the comparison itself failed.
 """
@@ -33,9 +34,16 @@ def arguments():
     parser.add_argument("--replay", help="play the tills of this file instead of generated ones")
     parser.add_argument("--stats", action="store_true", help="tell what the tills reached")
     parser.add_argument("--patience", type=float, default=10.0, help="seconds after which a call hangs (10)")
+    parser.add_argument("--flush", choices=["entry", "call"], default="",
+                        help="when the new library flushes its log; the old one is not told")
     parser.add_argument("--jobs", type=int, default=max(1, (os.cpu_count() or 2) // 2), help="pairs of players")
     parser.add_argument("--reduced", help="write the reduced till to this file")
     return parser.parse_args()
+
+
+def pair_of(options):
+    """Players of the two libraries."""
+    return Pair(options.old, options.new, options.schema, options.patience, options.flush)
 
 
 def tills_of(options):
@@ -72,7 +80,7 @@ def show(till, difference, options):
     """Reduces a difference and prints it."""
     print(f"till {till['seed']} differs in {', '.join(difference.parts)} of call {difference.index + 1}; reducing it",
           flush=True)
-    with Pair(options.old, options.new, options.schema, options.patience) as pair:
+    with pair_of(options) as pair:
         smallest, its_difference = reduced(till, difference, pair)
     if its_difference is None:
         print("played again, it did not differ: one of the libraries is not steady. The whole till:")
@@ -102,7 +110,7 @@ def main():
     if options.save:
         tills = saved(tills, options.save)
     begin = time.monotonic()
-    pairs = [Pair(options.old, options.new, options.schema, options.patience) for _ in range(max(1, options.jobs))]
+    pairs = [pair_of(options) for _ in range(max(1, options.jobs))]
     try:
         found, stats = compare(tills, options, pairs)
         seconds = time.monotonic() - begin

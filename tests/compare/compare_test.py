@@ -148,6 +148,11 @@ class Played(unittest.TestCase):
         self.assertNotEqual(stores.with_rows(templates["loose"], doubled), stores.with_rows(templates["keyed"], doubled))
         self.assertNotIn("NOT NULL", stores.loose(pathlib.Path(SCHEMA).read_text("utf-8")))
 
+    def test_flush_stands_in_every_kinds_settings(self):
+        for kind in ("keyed", "loose", "closed", "unset"):
+            self.assertEqual(stores.settings(kind, "call"), stores.settings(kind) + "[Log]\nFlush=call\n")
+            self.assertNotIn("Flush", stores.settings(kind))
+
     def test_a_store_that_cannot_be_opened(self):
         for kind in ("closed", "unset"):
             code, _, _, log = answers(dict(till(), store=kind))[0]
@@ -161,6 +166,11 @@ class Compared(unittest.TestCase):
         self.assertEqual(code, 0, output)
         self.assertIn("40 tills, 0 differences", output)
         self.assertRegex(output, r"\d+ MzPromotion")
+
+    def test_the_log_flushed_by_calls_says_the_same(self):
+        code, output = run(LIBRARY, LIBRARY, "--count", "40", "--flush", "call")
+        self.assertEqual(code, 0, output)
+        self.assertIn("40 tills, 0 differences", output)
 
     def test_the_altering_module_alters_nothing_unless_told(self):
         altering("")

@@ -26,10 +26,11 @@ class PlayerError(Exception):
 
 
 class Player:
-    """A process that has loaded one library and plays what it is sent, in that order."""
+    """A process that has loaded one library and plays what it is sent, in that order, with its log flushed so."""
 
-    def __init__(self, library, schema, patience=10.0):
-        command = [sys.executable, "-B", str(PLAYER), os.path.abspath(library), os.path.abspath(schema), str(patience)]
+    def __init__(self, library, schema, patience=10.0, flush=""):
+        command = [sys.executable, "-B", str(PLAYER), os.path.abspath(library), os.path.abspath(schema), str(patience),
+                   flush]
         self.process = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, bufsize=1 << 16,
                                         env=environment())
         self.lines = queue.SimpleQueue()
@@ -76,10 +77,11 @@ def memory_folder():
 
 
 class Pair:
-    """Two players of the same tills, the one of the old and the one of the new library."""
+    """Two players of the same tills, the one of the old and the one of the new library. The new one's settings may say
+    when its log is flushed."""
 
-    def __init__(self, old, new, schema, patience=10.0):
-        self.players = [Player(library, schema, patience) for library in (old, new)]
+    def __init__(self, old, new, schema, patience=10.0, flush=""):
+        self.players = [Player(old, schema, patience), Player(new, schema, patience, flush)]
 
     def send(self, line):
         for player in self.players:

@@ -1,6 +1,6 @@
 """Plays tills on one library: reads a till a line, writes its answers a line.
 
-player.py LIBRARY SCHEMA [PATIENCE]
+player.py LIBRARY SCHEMA [PATIENCE [FLUSH]]
 
 Each till is played in a child that this process forks after it has loaded the library and before anybody has called it:
 no till finds what another left behind, and one that crashes or hangs ends alone. The process's end of input is its end.
@@ -213,12 +213,12 @@ def line_of_answers(written, end):
     return b"[" + b",".join(lines) + b"]\n"
 
 
-def make_folder(templates, till):
+def make_folder(templates, till, flush):
     """Makes the current directory that of a till that nobody has played yet."""
     for name in os.listdir("."):
         os.unlink(name)
     kind = till.get("store", "keyed")
-    pathlib.Path("config.ini").write_text(stores.settings(kind), "ascii")
+    pathlib.Path("config.ini").write_text(stores.settings(kind, flush), "ascii")
     pathlib.Path(stores.STORE).write_bytes(stores.with_rows(templates[kind], till["rows"]))
 
 
@@ -235,6 +235,7 @@ def main():
     engine = Engine(sys.argv[1])
     templates = stores.templates(pathlib.Path(sys.argv[2]).read_text("utf-8"))
     patience = float(sys.argv[3]) if len(sys.argv) > 3 else 10.0
+    flush = sys.argv[4] if len(sys.argv) > 4 else ""
     load_driver()
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
     home = tempfile.mkdtemp(prefix="qncorvane-compare-")
@@ -250,7 +251,7 @@ def main():
     try:
         for line in sys.stdin.buffer:
             till = json.loads(line)
-            make_folder(templates, till)
+            make_folder(templates, till, flush)
             answers.write(play(engine, till, patience))
             answers.flush()
     except (RuntimeError, ValueError, LookupError, sqlite3.Error) as error:

@@ -34,8 +34,16 @@ def templates(schema):
     return {"keyed": keyed, "loose": empty_store(loose(schema)), "closed": keyed, "unset": keyed}
 
 
-def settings(kind):
-    """The text of "config.ini" for a kind of store: one that is there, one that can't be opened, or none at all."""
+def settings(kind, flush=""):
+    """The text of "config.ini" for a kind of store: one that is there, one that can't be opened, or none at all.
+
+    `flush` is the log's setting of that name; without it the file has none.
+    """
+    return database_settings(kind) + (f"[Log]\nFlush={flush}\n" if flush else "")
+
+
+def database_settings(kind):
+    """The part of it that tells of the database."""
     return {"closed": SETTINGS.format("SQLITE", "./nowhere/store.db"), "unset": ""}.get(
         kind, SETTINGS.format("sqlite" if kind == "loose" else "SQLITE", STORE))
 
