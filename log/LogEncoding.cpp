@@ -76,7 +76,8 @@ void LogEncoding::Encode(std::string& text, std::size_t begin) {
   if (utf8.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) throw std::length_error("log entry");
   if (IsUtf8() && ComesThroughUnchanged(utf8)) return;
   const QByteArray encoded = Encoded(QString::fromUtf8(utf8.data(), static_cast<int>(utf8.size())));
-  text.replace(begin, std::string::npos, encoded.constData(), static_cast<std::size_t>(encoded.size()));
+  text.resize(begin);
+  text.append(encoded.constData(), static_cast<std::size_t>(encoded.size()));
 }
 
 bool LogEncoding::IsUtf8() {

@@ -33,6 +33,26 @@ bool MayStayOpen(int descriptor, const struct stat& state) {
   return S_ISREG(state.st_mode) && descriptor > STDERR_FILENO;
 }
 
+void WriteAll(int file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = Uninterrupted([&] { return write(file, bytes.data(), bytes.size()); });
+    if (written <= 0) return;
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+}
+
+/// @param size the file's size before the first entry.
+void WriteUnderSizeRule(int file, off_t size, std::string_view entries, const std::vector<std::size_t>& ends) {
+  const SizeRule rule(size, ends);
+  if (!rule.StartsAnew) {
+    WriteAll(file, entries);
+  } else if (Uninterrupted([&] { return ftruncate(file, 0); }) == 0) {
+    WriteAll(file, entries.substr(rule.LastStart));
+  } else {
+    WriteAll(file, entries.substr(0, rule.FirstStart));  // no entry from there on gets in
+  }
+}
+
 }  // namespace
 
 // The file calls of the system stand here instead of QFile and QTextStream: the same steps, at a fifth of the cost.
@@ -41,9 +61,9 @@ void LogFile::Append(std::string_view entries, const std::vector<std::size_t>& e
   struct stat state {};
   if (!IsStillThere(state) && !Open(state)) return;
   if (S_ISREG(state.st_mode)) {
-    AppendUnderSizeRule(entries, ends, state.st_size);
+    WriteUnderSizeRule(m_descriptor, state.st_size, entries, ends);
   } else {
-    Write(entries);  // a pipe or a device doesn't grow
+    WriteAll(m_descriptor, entries);  // a pipe or a device doesn't grow
   }
   if (!MayStayOpen(m_descriptor, state)) Close();
 }
@@ -66,25 +86,6 @@ bool LogFile::Open(struct stat& state) noexcept {
   if (fstat(m_descriptor, &state) != 0) state = {};
   m_opened = state;
   return true;
-}
-
-void LogFile::AppendUnderSizeRule(std::string_view entries, const std::vector<std::size_t>& ends, off_t size) noexcept {
-  const SizeRule rule(size, ends);
-  if (!rule.StartsAnew) {
-    Write(entries);
-  } else if (Uninterrupted([&] { return ftruncate(m_descriptor, 0); }) == 0) {
-    Write(entries.substr(rule.LastStart));
-  } else {
-    Write(entries.substr(0, rule.FirstStart));  // no entry from there on gets in
-  }
-}
-
-void LogFile::Write(std::string_view bytes) noexcept {
-  while (!bytes.empty()) {
-    const ssize_t written = Uninterrupted([&] { return write(m_descriptor, bytes.data(), bytes.size()); });
-    if (written <= 0) return;
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
 }
 
 }  // namespace Corvane

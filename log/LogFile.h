@@ -30,8 +30,6 @@ class LogFile {
  private:
   bool IsStillThere(struct stat& state) const noexcept;
   bool Open(struct stat& state) noexcept;
-  void AppendUnderSizeRule(std::string_view entries, const std::vector<std::size_t>& ends, off_t size) noexcept;
-  void Write(std::string_view bytes) noexcept;
 
   int m_descriptor = -1;
   struct stat m_opened {};  ///< the file's state when it was opened

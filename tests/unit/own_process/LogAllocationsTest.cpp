@@ -20,22 +20,22 @@ extern "C" {
 
 // The C library's own, under the names that it keeps for a program that has others.
 void* __libc_malloc(std::size_t size);                     // NOLINT(*-reserved-identifier)
-void* __libc_calloc(std::size_t count, std::size_t size);  // NOLINT(*-reserved-identifier)
-void* __libc_realloc(void* room, std::size_t size);        // NOLINT(*-reserved-identifier)
+void* __libc_calloc(std::size_t nmemb, std::size_t size);  // NOLINT(*-reserved-identifier)
+void* __libc_realloc(void* ptr, std::size_t size);         // NOLINT(*-reserved-identifier)
 
 void* malloc(std::size_t size) {
   ++g_requests;
   return __libc_malloc(size);
 }
 
-void* calloc(std::size_t count, std::size_t size) {
+void* calloc(std::size_t nmemb, std::size_t size) {
   ++g_requests;
-  return __libc_calloc(count, size);
+  return __libc_calloc(nmemb, size);
 }
 
-void* realloc(void* room, std::size_t size) {
+void* realloc(void* ptr, std::size_t size) {
   ++g_requests;
-  return __libc_realloc(room, size);
+  return __libc_realloc(ptr, size);
 }
 
 }  // extern "C"
