@@ -1,8 +1,9 @@
 // What a log entry asks of memory: nothing, once the first ones have made the room. This program counts each request,
-// those of Qt and of the C library included, and so is one of its own.
+// those of Qt and of the C library included, and refuses large ones where a test wants that; so it is one of its own.
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <limits>
 #include <string>
 
 #include "log/Log.h"
@@ -13,6 +14,7 @@
 namespace {
 
 long g_requests = 0;
+std::size_t g_largest = std::numeric_limits<std::size_t>::max();  // what is asked for beyond that is refused
 
 }  // namespace
 
@@ -25,7 +27,7 @@ void* __libc_realloc(void* ptr, std::size_t size);         // NOLINT(*-reserved-
 
 void* malloc(std::size_t size) {
   ++g_requests;
-  return __libc_malloc(size);
+  return size <= g_largest ? __libc_malloc(size) : nullptr;
 }
 
 void* calloc(std::size_t nmemb, std::size_t size) {
@@ -88,6 +90,31 @@ TEST_P(LogAllocations, NoEntryOutsideACallMakesOne) {
   const long before = g_requests;
   for (int entry = 0; entry < 100; ++entry) Log("next");
   EXPECT_EQ(g_requests, before);
+}
+
+// The room of those that wait serves the next ones.
+TEST_P(LogAllocations, EntriesThatFindNoRoomToWaitAreWritten) {
+  const std::string text(3000, 'x');
+  {
+    const LogCall call;
+    g_largest = 100000;
+    for (int entry = 0; entry < 200; ++entry) Log(text);
+    g_largest = std::numeric_limits<std::size_t>::max();
+  }
+  EXPECT_EQ(Logged(), ruletest::Entries(200, text));
+}
+
+TEST_P(LogAllocations, AnEntryThatFindsNoRoomAtAllIsLostAlone) {
+  const std::string text(20000000, 'x');  // more than is ever kept
+  {
+    const LogCall call;
+    Log("one");
+    g_largest = 2000000;
+    Log(text);
+    g_largest = std::numeric_limits<std::size_t>::max();
+    Log("two");
+  }
+  EXPECT_EQ(Logged(), (ruletest::Entries{"one", "two"}));
 }
 
 }  // namespace
