@@ -105,7 +105,8 @@ TEST_P(LogAllocations, EntriesThatFindNoRoomToWaitAreWritten) {
 }
 
 TEST_P(LogAllocations, AnEntryThatFindsNoRoomAtAllIsLostAlone) {
-  const std::string text(20000000, 'x');  // more than is ever kept
+  std::string text;
+  text.resize(20000000, 'x');  // more than is ever kept
   {
     const LogCall call;
     Log("one");
