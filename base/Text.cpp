@@ -12,14 +12,14 @@ char LowerAscii(char letter) { return letter >= 'A' && letter <= 'Z' ? static_ca
 
 int CompareBytes(Text left, Text right) { return std::strcmp(OrEmpty(left), OrEmpty(right)); }
 
-bool SameIgnoringCase(Text left, Text right) {
+int CompareIgnoringCase(Text left, Text right) {
   left = OrEmpty(left);
   right = OrEmpty(right);
   while (*left != '\0' && LowerAscii(*left) == LowerAscii(*right)) {
     ++left;
     ++right;
   }
-  return LowerAscii(*left) == LowerAscii(*right);
+  return LowerAscii(*left) - LowerAscii(*right);
 }
 
 std::string_view FamilyOf(Text type) { return std::string_view(OrEmpty(type)).substr(0, 2); }

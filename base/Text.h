@@ -22,8 +22,11 @@ int CompareBytes(Text left, Text right);
 /// Exact, byte-wise, case-sensitive equality.
 inline bool Same(Text left, Text right) { return left == right || CompareBytes(left, right) == 0; }
 
+/// The order without regard to the case of ASCII letters: below, at or above 0. All other bytes count.
+int CompareIgnoringCase(Text left, Text right);
+
 /// Equality without regard to the case of ASCII letters; all other bytes must be the same.
-bool SameIgnoringCase(Text left, Text right);
+inline bool SameIgnoringCase(Text left, Text right) { return CompareIgnoringCase(left, right) == 0; }
 
 /// The first two letters of a type word: its family, "PT", "ZH" or "MZ". A shorter text is its own family.
 std::string_view FamilyOf(Text type);
