@@ -1,6 +1,7 @@
 #ifndef QNCORVANE_BASE_NUMBERS_H
 #define QNCORVANE_BASE_NUMBERS_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -35,6 +36,15 @@ std::string FormatF6(double value);
 
 /// "%d".
 std::string FormatI(std::int32_t value);
+
+/// The first two forms and the last, put to `to`, which has room for kNumberRoom; no zero closes them.
+/// @return the end of what was put there.
+char* PutF2(double value, char* to);
+char* PutF4(double value, char* to);
+char* PutI(std::int32_t value, char* to);
+
+/// Room for the largest double's 309 digits, sign, point and decimals.
+constexpr std::size_t kNumberRoom = 330;
 
 /// The number format 'g' with six significant digits: the form of numbers in the calculation log.
 std::string FormatG6(double value);
