@@ -44,12 +44,14 @@ class TextPreparation {
     std::size_t End;
   };
 
-  /// Takes over what was walked. @return the place that this leads to.
-  std::size_t CopyWalked() {
+  /// Takes over what was walked.
+  void CopyWalked() {
     m_made.append(Between(m_copied, m_next));
     m_copied = m_next;
-    return m_made.size();
   }
+
+  /// Where in the text that is made the next character will stand.
+  std::size_t Place() const { return m_made.size() + Between(m_copied, m_next).size(); }
 
   bool StartsWith(std::string_view word) const { return std::strncmp(m_next, word.data(), word.size()) == 0; }
   bool StartsWithIgnoringCase(std::string_view word) const {
@@ -57,21 +59,24 @@ class TextPreparation {
   }
   bool AtEnd() const { return *m_next == '\0'; }
 
-  static bool IsBlank(char letter) { return std::isspace(static_cast<unsigned char>(letter)) != 0; }
+  /// Beyond ASCII a host's locale may know further blanks, and TinyXML asks it.
+  static bool IsBlank(char letter) {
+    const auto byte = static_cast<unsigned char>(letter);
+    return byte < 128 ? byte == ' ' || (byte >= '\t' && byte <= '\r') : std::isspace(byte) != 0;
+  }
   static bool IsNameStart(char letter) {
     const auto byte = static_cast<unsigned char>(letter);
-    return byte >= 127 || letter == '_' || std::isalpha(byte) != 0;
+    return byte >= 127 || letter == '_' || (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z');
   }
   static bool IsNamePart(char letter) {
-    return IsNameStart(letter) || std::isdigit(static_cast<unsigned char>(letter)) != 0 || letter == '-' ||
-           letter == '.' || letter == ':';
+    return IsNameStart(letter) || IsDecimalDigit(letter) || letter == '-' || letter == '.' || letter == ':';
   }
 
   void SkipBlanks() {
     for (;;) {
       // In UTF-8, TinyXML takes the byte order mark and two non-characters for blanks.
-      const bool mark =
-          m_utf8 && (StartsWith("\xEF\xBB\xBF") || StartsWith("\xEF\xBF\xBE") || StartsWith("\xEF\xBF\xBF"));
+      const bool mark = m_utf8 && *m_next == '\xEF' &&
+                        (StartsWith("\xEF\xBB\xBF") || StartsWith("\xEF\xBF\xBE") || StartsWith("\xEF\xBF\xBF"));
       if (mark) {
         m_next += 3;
       } else if (IsBlank(*m_next)) {
@@ -84,7 +89,7 @@ class TextPreparation {
 
   /// Steps over one character of running text or of a quoted value. @return false at a reference that ends the text.
   bool Character() {
-    if (StartsWith("&#")) return Reference();
+    if (*m_next == '&' && m_next[1] == '#') return Reference();
     StepOverCharacter();
     return true;
   }
@@ -244,13 +249,14 @@ class TextPreparation {
 
   bool NextAttribute() {
     if (m_attributes.size() == static_cast<std::size_t>(XmlDocument::kMaxAttributes)) return CutHere();
-    const std::size_t begin = CopyWalked();
+    const std::size_t begin = Place();
     std::string_view name;
     std::string_view value;
     if (!Attribute(name, value) || AtEnd()) return false;
-    const AttributePlace place = {name, begin, CopyWalked()};
+    const AttributePlace place = {name, begin, Place()};
     for (AttributePlace& earlier : m_attributes) {
       if (earlier.Name != name) continue;
+      CopyWalked();
       std::fill(m_made.begin() + Offset(earlier.Begin), m_made.begin() + Offset(earlier.End), ' ');
       earlier = place;
       return true;
@@ -315,6 +321,7 @@ class TextPreparation {
 
 XmlDocument::XmlDocument(Text xml) {
   const std::string text = TextPreparation(OrEmpty(xml)).Run();
+  m_document.SetTabSize(0);  // nobody asks for rows and columns, which TinyXML counts byte by byte
   m_document.Parse(text.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
 }
 

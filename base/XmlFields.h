@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string_view>
 
 #include "base/Numbers.h"
 #include "base/Text.h"
@@ -16,7 +17,7 @@ namespace Corvane {
 /// One row of a table that says which attribute fills which field of a record.
 template <class Record>
 struct XmlField {
-  Text Name;
+  std::string_view Name;
   void (*Read)(Record& record, Text value, TextPool& texts);
 };
 
@@ -51,8 +52,9 @@ struct Into {
 /// Fills the field that the table names for the attribute. @return false when the table doesn't know the name.
 template <class Record, class FieldTable>
 bool ReadAttribute(const FieldTable& table, const TiXmlAttribute& attribute, Record& record, TextPool& texts) {
-  const auto* const field = std::find_if(std::begin(table), std::end(table),
-                                         [&](const auto& row) { return Same(row.Name, attribute.Name()); });
+  const std::string_view name = attribute.NameTStr();
+  const auto* const field =
+      std::find_if(std::begin(table), std::end(table), [&](const auto& row) { return row.Name == name; });
   if (field == std::end(table)) return false;
   field->Read(record, attribute.Value(), texts);
   return true;

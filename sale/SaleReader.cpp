@@ -1,7 +1,10 @@
 #include "sale/SaleReader.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "base/Numbers.h"
 #include "base/XmlFields.h"
@@ -109,29 +112,59 @@ SalePlu ReadLine(ProSale& sale, const TiXmlElement& row) {
   return line;
 }
 
+/// Finds a sale's lines by their numbers while a group is read.
+class LinePlaces {
+ public:
+  /// @param isIndexed whether so many lines are sought that an index is worth its while.
+  LinePlaces(const std::vector<SalePlu>& lines, bool isIndexed) : m_lines(lines), m_isIndexed(isIndexed) {
+    for (std::size_t place = 0; m_isIndexed && place < lines.size(); ++place) Added(place);
+  }
+
+  /// @return the place of the first line of this number, or behind the last line.
+  std::size_t Find(std::int32_t serialNo) const {
+    if (m_isIndexed) {
+      const auto known = m_places.find(serialNo);
+      return known == m_places.end() ? m_lines.size() : known->second;
+    }
+    const auto known =
+        std::find_if(m_lines.begin(), m_lines.end(), [&](const SalePlu& held) { return held.SerialNo == serialNo; });
+    return static_cast<std::size_t>(known - m_lines.begin());
+  }
+
+  void Added(std::size_t place) {
+    if (m_isIndexed) m_places.emplace(m_lines[place].SerialNo, place);
+  }
+
+ private:
+  const std::vector<SalePlu>& m_lines;
+  bool m_isIndexed;
+  std::unordered_map<std::int32_t, std::size_t> m_places;
+};
+
 /// @return the line's place in the sale.
-std::int32_t MergeLine(ProSale& sale, SalePlu line) {
-  const auto known = std::find_if(sale.Plus.begin(), sale.Plus.end(),
-                                  [&](const SalePlu& held) { return held.SerialNo == line.SerialNo; });
-  line.Index = static_cast<std::int32_t>(known - sale.Plus.begin());
-  const std::int32_t index = line.Index;
-  if (known != sale.Plus.end()) {
-    *known = std::move(line);
+std::int32_t MergeLine(ProSale& sale, SalePlu line, LinePlaces& places) {
+  const std::size_t place = places.Find(line.SerialNo);
+  line.Index = static_cast<std::int32_t>(place);
+  if (place < sale.Plus.size()) {
+    sale.Plus[place] = std::move(line);
   } else {
     sale.Plus.push_back(std::move(line));
+    places.Added(place);
   }
-  return index;
+  return static_cast<std::int32_t>(place);
 }
 
 void ReadLines(ProSale& sale, const TiXmlElement& group, std::int32_t& lineIndex) {
-  if (group.FirstChildElement() == nullptr) return;
+  const TiXmlElement* const first = group.FirstChildElement();
+  if (first == nullptr) return;
+  LinePlaces places(sale.Plus, first->NextSiblingElement() != nullptr);
   int rows = 0;
   for (const TiXmlElement& row : ChildElements(group)) {
     if (row.FirstAttribute() == nullptr) {
       Log(LogText::kLineWithoutAttributes);
       continue;
     }
-    lineIndex = MergeLine(sale, ReadLine(sale, row));
+    lineIndex = MergeLine(sale, ReadLine(sale, row), places);
     ++rows;
   }
   if (rows != 1) lineIndex = -1;
