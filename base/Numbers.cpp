@@ -2,7 +2,6 @@
 
 #include <clocale>
 #include <cstdlib>
-#include <cstring>
 
 #include <locale.h>
 #include <QString>
@@ -11,6 +10,8 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+
+#include "base/Digits.h"
 
 namespace Corvane {
 
@@ -52,67 +53,33 @@ std::optional<double> PlainNumber(Text text) {
   return isNegative ? -size : size;
 }
 
-/// The digits of a number, exact: how many units of the last decimal it has, and what is beside them.
-struct Digits {
-  std::uint64_t Units;
-  int RestToHalf;  ///< what is left of the number against half a unit: below, at or above 0
-
-  std::uint64_t HalfToEven() const { return Units + (RestToHalf > 0 || (RestToHalf == 0 && Units % 2 == 1) ? 1U : 0U); }
-  std::uint64_t HalfAway() const { return Units + (RestToHalf >= 0 ? 1U : 0U); }
-};
-
-constexpr std::uint64_t PowerOfTen(int exponent) { return exponent == 0 ? 1 : 10 * PowerOfTen(exponent - 1); }
-
-/// The digits of the number without its sign, by whole numbers alone.
-///
-/// @tparam Decimals at most 6.
-/// @return nothing for a number from 2^40 on and for one below 2^-8 that may have digits: those are left to the
-///         libraries.
-template <int Decimals>
-std::optional<Digits> DigitsOf(double value) {
-  constexpr double kLimit = 1099511627776.0;  // with six decimals, the units fit 64 bits
-  constexpr double kLeast = 1.0 / 256;
-  const double size = std::fabs(value);
-  if (size == 0 || (Decimals == 2 && size < kLeast)) return Digits{0, -1};
-  if (!(size >= kLeast && size < kLimit)) return std::nullopt;
-  // size == significand / 2^shift, and shift is within 13 and 60: ten times a fraction fits 64 bits.
-  std::uint64_t bits = 0;
-  std::memcpy(&bits, &size, sizeof bits);
-  constexpr std::uint64_t kLeadingBit = std::uint64_t{1} << 52U;
-  const std::uint64_t significand = (bits & (kLeadingBit - 1)) | kLeadingBit;
-  const std::uint64_t shift = 1075 - (bits >> 52U);
-  const std::uint64_t one = std::uint64_t{1} << shift;
-  std::uint64_t units = significand >> shift;
-  std::uint64_t fraction = significand & (one - 1);
-  for (int decimal = 0; decimal < Decimals; ++decimal) {
-    fraction *= 10;
-    units = units * 10 + (fraction >> shift);
-    fraction &= one - 1;
-  }
-  const std::uint64_t half = one / 2;
-  return Digits{units, fraction < half ? -1 : fraction == half ? 0 : 1};
-}
-
-template <int Decimals>
-char* PutFixed(double value, char* to) {
+char* PutFixed(double value, int decimals, char* to) {
   value = FiniteOrZero(value);
-  const std::optional<Digits> digits = DigitsOf<Decimals>(value);
-  if (!digits) return std::to_chars(to, to + kNumberRoom, value, std::chars_format::fixed, Decimals).ptr;
-  constexpr std::uint64_t kUnit = PowerOfTen(Decimals);
-  const std::uint64_t units = digits->HalfToEven();
-  if (std::signbit(value)) *to++ = '-';
-  to = std::to_chars(to, to + kNumberRoom, units / kUnit).ptr;
-  *to++ = '.';
-  std::uint64_t decimals = units % kUnit;
-  for (int decimal = Decimals; decimal-- > 0; decimals /= 10) to[decimal] = static_cast<char>('0' + decimals % 10);
-  return to + Decimals;
+  const std::optional<Digits> digits = DigitsOf(value, decimals);
+  if (!digits) return std::to_chars(to, to + kNumberRoom, value, std::chars_format::fixed, decimals).ptr;
+  return PutUnits(std::signbit(value), digits->HalfToEven(), decimals, to);
 }
 
-template <int Decimals>
-std::string FormatFixed(double value) {
+std::string FormatFixed(double value, int decimals) {
   std::array<char, kNumberRoom> buffer;  // NOLINT(cppcoreguidelines-pro-type-member-init): it gets what it shows
   char* const begin = buffer.data();
-  return {begin, PutFixed<Decimals>(value, begin)};
+  return {begin, PutFixed(value, decimals, begin)};
+}
+
+/// The six significant digits of a number from 0.1 to below a million, without zeros behind the last other decimal.
+/// @return nothing for all other numbers.
+std::optional<std::string> ShortForm(double value) {
+  const double size = std::fabs(value);
+  if (!(size >= 0.1 && size < 999999)) return std::nullopt;
+  int decimals = 6;
+  for (double limit = 1; size >= limit; limit *= 10) --decimals;
+  const std::optional<Digits> digits = DigitsOf(value, decimals);
+  if (!digits) return std::nullopt;
+  std::uint64_t units = digits->HalfAway();
+  for (; decimals > 0 && units % 10 == 0; --decimals) units /= 10;
+  std::array<char, kNumberRoom> buffer;  // NOLINT(cppcoreguidelines-pro-type-member-init): it gets what it shows
+  char* const begin = buffer.data();
+  return std::string(begin, PutUnits(value < 0, units, decimals, begin));
 }
 
 /// The number of so many cents, as if read from its text.
@@ -122,7 +89,7 @@ QString ReceiptForm(double value) { return QString::number(FiniteOrZero(value), 
 
 /// Whether a receipt shows these cents for the value. A negative number shows its sign, also where it shows no digits.
 bool Prints(double value, std::uint64_t cents, QLatin1String text) {
-  const std::optional<Digits> digits = DigitsOf<2>(value);
+  const std::optional<Digits> digits = DigitsOf(value, 2);
   return digits ? !(value < 0) && digits->HalfAway() == cents : ReceiptForm(value) == text;
 }
 
@@ -138,31 +105,35 @@ std::int32_t ToInt32(Text text) {
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(std::strtol(OrEmpty(text), nullptr, 10)));
 }
 
-std::string FormatF2(double value) { return FormatFixed<2>(value); }
+std::string FormatF2(double value) { return FormatFixed(value, 2); }
 
-std::string FormatF4(double value) { return FormatFixed<4>(value); }
+std::string FormatF4(double value) { return FormatFixed(value, 4); }
 
-std::string FormatF6(double value) { return FormatFixed<6>(value); }
+std::string FormatF6(double value) { return FormatFixed(value, 6); }
 
-char* PutF2(double value, char* to) { return PutFixed<2>(value, to); }
+char* PutF2(double value, char* to) { return PutFixed(value, 2, to); }
 
-char* PutF4(double value, char* to) { return PutFixed<4>(value, to); }
+char* PutF4(double value, char* to) { return PutFixed(value, 4, to); }
 
 char* PutI(std::int32_t value, char* to) { return std::to_chars(to, to + kNumberRoom, value).ptr; }
 
 std::string FormatI(std::int32_t value) { return std::to_string(value); }
 
-std::string FormatG6(double value) { return QString::number(FiniteOrZero(value), 'g', 6).toStdString(); }
+std::string FormatG6(double value) {
+  if (value == 0) return "0";
+  const std::optional<std::string> text = ShortForm(value);
+  return text ? *text : QString::number(FiniteOrZero(value), 'g', 6).toStdString();
+}
 
 double RoundMoney(double value) {
-  const std::optional<Digits> digits = DigitsOf<2>(value);
+  const std::optional<Digits> digits = DigitsOf(value, 2);
   if (!digits) return ReceiptForm(value).toDouble();
   // The text form shows no sign of -0 itself.
   return value < 0 ? -OfCents(digits->HalfAway()) : OfCents(digits->HalfAway());
 }
 
 double RoundThroughF2(double value) {
-  const std::optional<Digits> digits = DigitsOf<2>(value);
+  const std::optional<Digits> digits = DigitsOf(value, 2);
   return digits ? std::copysign(OfCents(digits->HalfToEven()), value) : ToDouble(FormatF2(value).c_str());
 }
 

@@ -29,7 +29,7 @@ class Chance {
 
  private:
   double Size() {
-    switch (m_random() % 10) {
+    switch (m_random() % 11) {
       case 0:  // money
         return static_cast<double>(Below(10000000)) / 100;
       case 1:  // exact halves of a cent and of a unit of the fourth decimal, and what is a hair beside them
@@ -112,6 +112,15 @@ TEST(NumbersByChance, RoundThroughTheStringClasssForm) {
     ASSERT_TRUE(SameBits(Corvane::RoundMoney(value), wanted.toDouble())) << std::hexfloat << value;
     ASSERT_EQ(Corvane::PrintsAsZero(value), wanted == QLatin1String("0.00")) << std::hexfloat << value;
     ASSERT_EQ(Corvane::PrintsAsOne(value), wanted == QLatin1String("1.00")) << std::hexfloat << value;
+  }
+}
+
+TEST(NumbersByChance, PrintShortAsTheStringClassPrints) {
+  Chance chance(5);
+  for (int number = 0; number < kNumbers; ++number) {
+    const double value = chance.Number();
+    const std::string wanted = QString::number(FiniteOrZero(value), 'g', 6).toStdString();
+    ASSERT_EQ(Corvane::FormatG6(value), wanted) << std::hexfloat << value;
   }
 }
 
