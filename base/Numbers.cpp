@@ -27,14 +27,15 @@ locale_t PlainLocale() {
 
 double FiniteOrZero(double value) { return std::isfinite(value) ? value : 0; }
 
+constexpr int kMaxDigits = 15;
+constexpr std::array<double, kMaxDigits + 1> kPowersOfTen = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                             1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+
 bool IsDigit(char letter) { return letter >= '0' && letter <= '9'; }
 
 /// A text that is nothing but a number of few digits, "-12.50": its digits and the power of ten are exact, so that the
 /// one division rounds as reading by the library does. @return nothing for any other text.
 std::optional<double> PlainNumber(Text text) {
-  constexpr int kMaxDigits = 15;
-  constexpr std::array<double, kMaxDigits + 1> kPowers = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                                          1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
   const bool isNegative = *text == '-';
   if (isNegative) ++text;
   std::int64_t number = 0;
@@ -49,7 +50,7 @@ std::optional<double> PlainNumber(Text text) {
     read();
   }
   if (*text != '\0' || digits == 0 || digits > kMaxDigits) return std::nullopt;
-  const double size = static_cast<double>(number) / kPowers[digits - whole];
+  const double size = static_cast<double>(number) / kPowersOfTen[digits - whole];
   return isNegative ? -size : size;
 }
 
@@ -72,7 +73,10 @@ std::optional<std::string> ShortForm(double value) {
   const double size = std::fabs(value);
   if (!(size >= 0.1 && size < 999999)) return std::nullopt;
   int decimals = 6;
-  for (double limit = 1; size >= limit; limit *= 10) --decimals;
+  for (const double power : kPowersOfTen) {
+    if (size < power) break;
+    --decimals;
+  }
   const std::optional<Digits> digits = DigitsOf(value, decimals);
   if (!digits) return std::nullopt;
   std::uint64_t units = digits->HalfAway();
