@@ -62,7 +62,7 @@ char* PutFixed(double value, int decimals, char* to) {
 }
 
 std::string FormatFixed(double value, int decimals) {
-  std::array<char, kNumberRoom> buffer;  // NOLINT(cppcoreguidelines-pro-type-member-init): it gets what it shows
+  std::array<char, kNumberRoom> buffer;
   char* const begin = buffer.data();
   return {begin, PutFixed(value, decimals, begin)};
 }
@@ -81,7 +81,7 @@ std::optional<std::string> ShortForm(double value) {
   if (!digits) return std::nullopt;
   std::uint64_t units = digits->HalfAway();
   for (; decimals > 0 && units % 10 == 0; --decimals) units /= 10;
-  std::array<char, kNumberRoom> buffer;  // NOLINT(cppcoreguidelines-pro-type-member-init): it gets what it shows
+  std::array<char, kNumberRoom> buffer;
   char* const begin = buffer.data();
   return std::string(begin, PutUnits(value < 0, units, decimals, begin));
 }

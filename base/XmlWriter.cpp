@@ -84,6 +84,8 @@ char* PutEscaped(std::string_view text, char* to) {
 }  // namespace
 
 XmlWriter::XmlWriter(std::size_t room) {
+  constexpr std::size_t kUsualDepth = 8;
+  m_open.reserve(kUsualDepth);
   m_text.resize(std::max(room, kDeclaration.size()));
   WrittenTo(Put(kDeclaration, Room(kDeclaration.size())));
 }

@@ -132,7 +132,8 @@ void RuleRegistry::LoadIntoList(RulePtr rule) {
   m_trees = std::move(trees);
 }
 
-/// @return nothing when the list isn't in order or a number stands twice.
+/// @return nothing for a sorted list that isn't in order: what stands behind its groups has another word, or stands in
+///         a group, too.
 std::optional<RuleRegistry::Trees> RuleRegistry::Planted(const RuleList& rules) {
   Trees trees;
   for (const RulePtr& rule : rules) {
@@ -140,8 +141,7 @@ std::optional<RuleRegistry::Trees> RuleRegistry::Planted(const RuleList& rules) 
     const int group = GroupOf(info);
     if (group == kNoGroup) return std::nullopt;
     const auto added = trees.Rules.emplace_hint(trees.Rules.end(), Place{group, info.JzDate, ++trees.BackRank}, rule);
-    const bool isLast = std::next(added) == trees.Rules.end();
-    if (!isLast || !trees.ByBillNo.emplace(info.BillNo, added).second) return std::nullopt;
+    if (!trees.ByBillNo.emplace(info.BillNo, added).second) return std::nullopt;
   }
   return trees;
 }

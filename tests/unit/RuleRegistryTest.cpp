@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <iterator>
 #include <memory>
 #include <random>
@@ -153,6 +154,7 @@ class Comparison {
 
 std::vector<Text> BillNos(int count) {
   std::vector<Text> texts;
+  texts.reserve(static_cast<std::size_t>(count));
   for (int number = 0; number < count; ++number) texts.push_back(KeepText("r" + std::to_string(number)));
   return texts;
 }
