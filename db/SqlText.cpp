@@ -12,8 +12,16 @@ namespace {
 constexpr std::size_t kLinesAtOnceSqlite = 8000;
 /// A megabyte of codes of forty letters; servers refuse longer statements.
 constexpr std::size_t kLinesAtOnceMySql = 8000;
+/// SQLite makes a table of its own for each list behind "in", which costs as much as a good many comparisons.
+constexpr std::size_t kMostComparisons = 64;
 /// Access gives up on statements of 64,000 letters.
 constexpr std::size_t kLinesAtOnceAccess = 100;
+
+std::size_t PowerOfTwo(std::size_t least) {
+  std::size_t power = 1;
+  while (power < least) power *= 2;
+  return power;
+}
 
 }  // namespace
 
@@ -54,15 +62,17 @@ QString SqlText::ValueOf(Text value) {
   return text.mid(1, text.size() - 2);
 }
 
-void SqlText::Append(const SqlDialect& dialect, const QuotedList& list) {
-  std::size_t size = list.Values.size();
-  if (dialect.KeepsStatements) {
-    for (size = 1; size < list.Values.size();) size *= 2;
-  }
+void SqlText::Append(const SqlDialect& dialect, const OneOf& condition) {
+  const std::vector<Text>& values = condition.Values;
+  const std::size_t size = dialect.KeepsStatements ? PowerOfTwo(values.size()) : values.size();
+  const bool isList = !dialect.KeepsStatements || size > kMostComparisons;
+  m_words.append(isList ? "" : "(").append(condition.Column).append(isList ? " in (" : "=");
+  const std::string between = isList ? "," : Join(" or ", condition.Column, "=");
   for (std::size_t value = 0; value < size; ++value) {
-    if (value != 0) m_words += ',';
-    AppendValue(value < list.Values.size() ? list.Values[value] : list.Values.back());
+    if (value != 0) m_words += between;
+    AppendValue(value < values.size() ? values[value] : values.back());
   }
+  m_words += ')';
 }
 
 void SqlText::Append(const SqlDialect& /*dialect*/, const SqlText& piece) {

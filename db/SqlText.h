@@ -33,10 +33,16 @@ struct Quoted {
   Text Value;
 };
 
-/// Several values, with commas between them: what stands in the brackets of "in". At least one; borrowed. Where
-/// statements are kept, the last is repeated until there are 1, 2, 4, 8 and so on, so that few statements serve lists of
-/// every length.
-struct QuotedList {
+/// A condition: that a column holds one of some values, of which there is at least one. Where statements are kept, the
+/// last value is repeated until there are 1, 2, 4, 8 and so on, so that few statements serve lists of every length.
+class OneOf {
+ public:
+  /// @param column a string literal.
+  /// @param values borrowed.
+  template <std::size_t Size>
+  OneOf(const char (&column)[Size], const std::vector<Text>& values) : Column(column), Values(values) {}
+
+  const Text Column;
   const std::vector<Text>& Values;
 };
 
@@ -72,7 +78,7 @@ class SqlText {
     m_words.append(words, Size - 1);
   }
   void Append(const SqlDialect& /*dialect*/, const Quoted& value) { AppendValue(value.Value); }
-  void Append(const SqlDialect& dialect, const QuotedList& list);
+  void Append(const SqlDialect& dialect, const OneOf& condition);
   void Append(const SqlDialect& /*dialect*/, const SqlText& piece);
   void AppendValue(Text value);
 

@@ -155,9 +155,9 @@ class DetailTables {
 
   /// The same for several lines.
   SqlText NamingLines(const LineCodes& codes) const {
-    return Sql(" and ((PluCode in (", QuotedList{codes.Goods.Codes()}, ") and PluType='PLU') or (PluCode in (",
-               QuotedList{codes.Categories.Codes()}, ") and PluType='CAT') or (PluCode in (",
-               QuotedList{codes.Brands.Codes()}, ") and PluType='BRD'))");
+    return Sql(" and ((PluType='PLU' and ", OneOf("PluCode", codes.Goods.Codes()), ") or (PluType='CAT' and ",
+               OneOf("PluCode", codes.Categories.Codes()), ") or (PluType='BRD' and ",
+               OneOf("PluCode", codes.Brands.Codes()), "))");
   }
 
   /// Hands over the rows of a statement when all are there.

@@ -4,8 +4,8 @@
 #include "db/SqlText.h"
 
 using Corvane::DialectOf;
+using Corvane::OneOf;
 using Corvane::Quoted;
-using Corvane::QuotedList;
 using Corvane::SqlDialect;
 using Corvane::SqlText;
 
@@ -41,18 +41,25 @@ TEST(DbSqlText, APieceIsTakenAsItStands) {
   EXPECT_EQ(SqlText(dialect, "x", piece).ToString().toStdString(), "x and c='''\\\\'");
 }
 
-TEST(DbSqlText, AListHasCommasBetween) {
+TEST(DbSqlText, OneOfSomeValuesIsAList) {
   const std::vector<const char*> values{"a", "'", nullptr};
-  EXPECT_EQ(SqlText(DialectOf(QStringLiteral("MYSQL")), "in (", QuotedList{values}, ")").ToString().toStdString(),
-            "in ('a','''','')");
+  EXPECT_EQ(SqlText(DialectOf(QStringLiteral("MYSQL")), "x and ", OneOf("c", values)).ToString().toStdString(),
+            "x and c in ('a','''','')");
 }
 
 TEST(DbSqlText, WhereStatementsAreKeptListsHaveFewLengths) {
   const SqlDialect dialect = DialectOf(QStringLiteral("SQLITE"));
   const std::vector<const char*> values{"a", "b", "c"};
-  const SqlText sql(dialect, "x=", Quoted{"1"}, " and y in (", QuotedList{values}, ")");
-  EXPECT_EQ(sql.Pattern().toStdString(), "x=? and y in (?,?,?,?)");
-  EXPECT_EQ(sql.ToString().toStdString(), "x='1' and y in ('a','b','c','c')");
+  const SqlText sql(dialect, "x=", Quoted{"1"}, " and ", OneOf("y", values));
+  EXPECT_EQ(sql.Pattern().toStdString(), "x=? and (y=? or y=? or y=? or y=?)");
+  EXPECT_EQ(sql.ToString().toStdString(), "x='1' and (y='a' or y='b' or y='c' or y='c')");
+}
+
+TEST(DbSqlText, ALongListIsOneOnEveryKind) {
+  const std::vector<const char*> values(65, "a");
+  std::string expected = "y in (?";
+  for (int value = 1; value < 128; ++value) expected += ",?";
+  EXPECT_EQ(SqlText(DialectOf(QStringLiteral("SQLITE")), OneOf("y", values)).Pattern().toStdString(), expected + ")");
 }
 
 TEST(DbSqlText, APatternTakesItsPiecesInTheirOrder) {
