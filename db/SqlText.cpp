@@ -12,7 +12,8 @@ namespace {
 constexpr std::size_t kLinesAtOnceSqlite = 8000;
 /// A megabyte of codes of forty letters; servers refuse longer statements.
 constexpr std::size_t kLinesAtOnceMySql = 8000;
-/// SQLite makes a table of its own for each list behind "in", which costs as much as a good many comparisons.
+/// SQLite makes a table of its own for a list behind "in" if it is made of constants, which costs as much as a good many
+/// comparisons: room is asked of the system and given back each time.
 constexpr std::size_t kMostComparisons = 64;
 /// Access gives up on statements of 64,000 letters.
 constexpr std::size_t kLinesAtOnceAccess = 100;
@@ -65,12 +66,14 @@ QString SqlText::ValueOf(Text value) {
 void SqlText::Append(const SqlDialect& dialect, const OneOf& condition) {
   const std::vector<Text>& values = condition.Values;
   const std::size_t size = dialect.KeepsStatements ? PowerOfTwo(values.size()) : values.size();
-  const bool isList = !dialect.KeepsStatements || size > kMostComparisons;
-  m_words.append(isList ? "" : "(").append(condition.Column).append(isList ? " in (" : "=");
-  const std::string between = isList ? "," : Join(" or ", condition.Column, "=");
+  m_words.append(condition.Column).append(" in (");
   for (std::size_t value = 0; value < size; ++value) {
-    if (value != 0) m_words += between;
+    if (value != 0) m_words += ',';
     AppendValue(value < values.size() ? values[value] : values.back());
+  }
+  if (dialect.KeepsStatements && size <= kMostComparisons) {
+    // No constant, and equal to nothing.
+    m_words += Join(",nullif(", condition.Column, ",", condition.Column, ")");
   }
   m_words += ')';
 }
