@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdio>
 #include <ctime>
 #include <iostream>
 #include <string>
@@ -60,6 +61,13 @@ Memory Measure(const Passes& passes, std::int64_t count) {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
   return {grown / static_cast<double>(std::max<std::int64_t>(count, 1)), usage.ru_maxrss};
+}
+
+void Tell(const Passes& passes, std::int64_t count) {
+  TimeOne(passes);
+  const Duration median = Time(passes, count);
+  std::printf("%.3f ms of the processor, %.3f ms of the clock\n", static_cast<double>(median.Cpu) / 1e6,
+              static_cast<double>(median.Wall) / 1e6);
 }
 
 void Serve(const Passes& passes) {

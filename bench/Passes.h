@@ -30,6 +30,9 @@ Duration Time(const Passes& passes, std::int64_t count);
 /// Runs passes and looks at the heap before and behind. At least one is run.
 Memory Measure(const Passes& passes, std::int64_t count);
 
+/// Prints what a pass costs: the median of `count`, behind one that warms up.
+void Tell(const Passes& passes, std::int64_t count);
+
 /// Answers on the standard output what the standard input asks, one line each, until the input ends:
 ///   time N     ->  nanoseconds of the processor and of the clock, the median of N passes
 ///   memory N   ->  bytes held a pass, peak in kilobytes

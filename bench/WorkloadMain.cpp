@@ -11,7 +11,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -53,14 +52,6 @@ Wish WishOf(const std::vector<std::string>& words) {
   return wish;
 }
 
-void Tell(const Bench::Passes& passes, std::int64_t times) {
-  passes.Run();
-  passes.TidyUp();
-  const Bench::Duration median = Bench::Time(passes, times);
-  std::printf("%.3f ms of the processor, %.3f ms of the clock\n", static_cast<double>(median.Cpu) / 1e6,
-              static_cast<double>(median.Wall) / 1e6);
-}
-
 void RecordPass(const Bench::Passes& passes) {
   passes.Run();
   passes.TidyUp();
@@ -76,7 +67,7 @@ void CountPass(const Bench::Passes& passes) {
 }
 
 void Run(const Wish& wish, const Bench::Passes& passes) {
-  if (wish.What == "--times") return Tell(passes, wish.Times);
+  if (wish.What == "--times") return Bench::Tell(passes, wish.Times);
   if (wish.What == "--serve") return Bench::Serve(passes);
   if (wish.What == "--record") return RecordPass(passes);
   if (wish.What == "--count") return CountPass(passes);
