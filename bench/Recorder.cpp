@@ -65,6 +65,9 @@ extern "C" {
   std::fputc('\n', recording);
 }
 
+// The system's own declarations name their parameters by reserved words.
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
+
 [[gnu::visibility("default")]] int sqlite3_open_v2(const char* path, sqlite3** database, int flags,
                                                    const char* system) {
   const int code = Next<decltype(&sqlite3_open_v2)>("sqlite3_open_v2")(path, database, flags, system);
@@ -94,5 +97,7 @@ extern "C" {
   }
   return Next<decltype(&write)>("write")(file, bytes, length);
 }
+
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
 
 }  // extern "C"

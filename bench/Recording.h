@@ -7,17 +7,13 @@
 /// A recording: what an engine asked of the world in one pass of a workload, event by event. Each is a line with its
 /// letter and the length of its text, then the text, then a newline.
 
-namespace Bench {
-
 /// The letter of an event.
-namespace Event {
+namespace Bench::Event {
 constexpr char kStatement = 'S';  ///< a statement, with its values, as the database ran it
 constexpr char kLogEntry = 'L';   ///< what one write put into the log
 constexpr char kXmlIn = 'I';      ///< an XML text that went into the engine
 constexpr char kXmlOut = 'O';     ///< a result that came out
-}  // namespace Event
-
-}  // namespace Bench
+}  // namespace Bench::Event
 
 /// The recorder's side, bench/Recorder.cpp. A program that runs without the recorder finds null pointers here.
 extern "C" {

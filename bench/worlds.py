@@ -162,6 +162,16 @@ def make(name, baskets=None, every=1):
     raise ValueError(f"no workload {name}")
 
 
+def title(name):
+    """What a workload is, in a few words."""
+    if name in SUBTOTALS:
+        lines, rule_count = SUBTOTALS[name]
+        return f"{lines} line{'s' if lines > 1 else ''} x {rule_count} rules"
+    if name in LOADS:
+        return f"loading {LOADS[name]:,} rules"
+    return {"till": "a whole till, all fifteen types", BASKETS: f"real baskets x {BASKET_RULES} rules"}[name]
+
+
 def main():
     if len(sys.argv) < 2:
         sys.exit(__doc__)

@@ -8,7 +8,7 @@
   packages_servers=(mariadb-server libqt5sql5-mysql libqt5sql5-odbc unixodbc libsqliteodbc odbc-mdbtools)
   packages_format=(clang-format)
   packages_lint=(clang clang-tidy clang-format libclang-rt-14-dev shellcheck)
-  packages_bench=(libbenchmark-dev)
+  packages_bench=(libsqlite3-dev python3 mariadb-server libqt5sql5-mysql)
 }
 
 as_root() {
