@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# ./dev bench: the engine of the working tree beside the earlier one and the plain floor. Sourced by
-# ./dev, behind scripts/compare.sh.
+# ./dev bench: the engine of the working tree beside the earlier one and the plain floor. ./dev count: its instructions.
+# Sourced by ./dev, behind scripts/compare.sh.
 
 # Real sales, where a machine has them.
 bench_baskets=../shared/data/online_retail_10k.csv
@@ -29,4 +29,12 @@ bench() {
   say "measuring"
   python3 -B bench/bench.py build/bench/bin "$before" build/bench/lib/libQNCORVANE.so out/bench \
     --revision "$commit" ${baskets:+--baskets "$baskets"} "${options[@]}"
+}
+
+# Instructions of a pass beside the committed ones.
+count() {
+  need "${packages_build[@]:?}" "${packages_count[@]:?}"
+  build bench
+  say "counting instructions"
+  python3 -B bench/count.py build/bench/bin build/bench/lib/libQNCORVANE.so out/count bench/callgrind.baseline "$@"
 }

@@ -9,6 +9,7 @@
   packages_format=(clang-format)
   packages_lint=(clang clang-tidy clang-format libclang-rt-14-dev shellcheck)
   packages_bench=(libsqlite3-dev python3 mariadb-server libqt5sql5-mysql)
+  packages_count=(valgrind libsqlite3-dev python3)
 }
 
 as_root() {
