@@ -1,6 +1,7 @@
 #ifndef QNCORVANE_BENCH_ENGINE_H
 #define QNCORVANE_BENCH_ENGINE_H
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -20,8 +21,8 @@ class Engine {
   /// Makes calls one after the other.
   void Make(const std::vector<Call>& calls);
 
-  /// The result XML of the last calculation.
-  const char* Result() const { return m_result.data(); }
+  /// Makes calls one after the other. @return a number that stands for all results among their answers
+  std::size_t DigestOf(const std::vector<Call>& calls);
 
  private:
   using Plain = int (*)();
@@ -38,8 +39,6 @@ class Engine {
   Clear m_clear;
   Calculate m_calculate;
   OneText m_forget;
-  std::vector<char> m_result;
-  std::vector<char> m_message;
 };
 
 }  // namespace Bench

@@ -83,7 +83,7 @@ void RunStatement(sqlite3* store, const std::string& text) {
   while (sqlite3_step(statement) == SQLITE_ROW) {
     for (int column = 0; column < sqlite3_column_count(statement); ++column) ReadColumn(statement, column);
   }
-  sqlite3_finalize(statement);
+  if (sqlite3_finalize(statement) != SQLITE_OK) Bench::Fail(sqlite3_errmsg(store));
 }
 
 void WriteEntry(const std::string& entry) {
@@ -131,7 +131,7 @@ int main(int argc, char** argv) {
   const Bench::Passes passes{[&] {
                                for (const Step& step : steps) Do(step, store);
                              },
-                             [] {}};
+                             [] {}, [] { return std::size_t{0}; }};
   if (words[2] == "--serve") {
     Bench::Serve(passes);
   } else {

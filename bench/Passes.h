@@ -1,6 +1,7 @@
 #ifndef QNCORVANE_BENCH_PASSES_H
 #define QNCORVANE_BENCH_PASSES_H
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 
@@ -8,8 +9,9 @@ namespace Bench {
 
 /// What is measured: a pass that may be run again and again.
 struct Passes {
-  std::function<void()> Run;     ///< one pass
-  std::function<void()> TidyUp;  ///< puts right behind a pass what the next one needs; not measured
+  std::function<void()> Run;            ///< one pass
+  std::function<void()> TidyUp;         ///< puts right behind a pass what the next one needs; not measured
+  std::function<std::size_t()> Digest;  ///< one pass, and a number that stands for all results in it
 };
 
 /// The median of some passes, in nanoseconds of the process.
@@ -27,7 +29,7 @@ struct Memory {
 /// Times passes. At least one is run.
 Duration Time(const Passes& passes, std::int64_t count);
 
-/// Runs passes and looks at the heap before and behind. At least one is run.
+/// Runs passes and looks at the heap before and behind; as many again run ahead, so that what is made once is there.
 Memory Measure(const Passes& passes, std::int64_t count);
 
 /// Prints what a pass costs: the median of `count`, behind one that warms up.
@@ -36,6 +38,7 @@ void Tell(const Passes& passes, std::int64_t count);
 /// Answers on the standard output what the standard input asks, one line each, until the input ends:
 ///   time N     ->  nanoseconds of the processor and of the clock, the median of N passes
 ///   memory N   ->  bytes held a pass, peak in kilobytes
+///   digest N   ->  the digest of a pass
 /// Says "ready" first.
 void Serve(const Passes& passes);
 

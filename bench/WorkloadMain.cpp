@@ -85,6 +85,6 @@ int main(int argc, char** argv) {
   const std::vector<Bench::Call> tidy = Bench::ReadCalls("tidy");
   if (missing || calls.empty()) Bench::Fail("no workload in '" + wish.World.string() + "'");
   engine.Make(Bench::ReadCalls("open"));
-  Run(wish, {[&] { engine.Make(calls); }, [&] { engine.Make(tidy); }});
+  Run(wish, {[&] { engine.Make(calls); }, [&] { engine.Make(tidy); }, [&] { return engine.DigestOf(calls); }});
   return 0;
 }

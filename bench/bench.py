@@ -4,8 +4,8 @@
 bench.py PROGRAMS BEFORE TODAY WORK [--revision HASH] [--baskets CSV] [--quick] [--page FILE]
 
 PROGRAMS is the folder of the bench's programs, BEFORE and TODAY are two libraries of the engine, WORK a folder to work in.
-With --page the measured part of that page is put anew, and the plot beside it. --quick leaves most rounds out, and the
-page alone.
+With --page the measured part of that page is put anew, and the plot beside it. --quick leaves out most rounds and
+some workloads, and the page alone.
 """
 
 import argparse
@@ -25,6 +25,7 @@ import programs
 import worlds
 
 NETWORK_WORKLOADS = ("A", "B", "till")
+QUICK_WORKLOADS = ("A", "B", "D640", "till", "load1000")
 # Of the real baskets each so manieth is calculated.
 EVERY_BASKET, EVERY_BASKET_QUICK = 12, 60
 
@@ -37,7 +38,7 @@ def arguments():
     parser.add_argument("work", type=pathlib.Path)
     parser.add_argument("--revision", default="unknown", help="what the earlier engine was built from")
     parser.add_argument("--baskets", type=pathlib.Path, help="a file of real sales")
-    parser.add_argument("--quick", action="store_true", help="fewer rounds, and nothing is written to the page")
+    parser.add_argument("--quick", action="store_true", help="fewer rounds and workloads, and nothing is written to the page")
     parser.add_argument("--page", type=pathlib.Path, help="the page to be put anew")
     return parser.parse_args()
 
@@ -48,7 +49,7 @@ def tell(what):
 
 def workloads_of(wish):
     """Names and worlds, one at a time: some of them are large."""
-    for name in (*worlds.SUBTOTALS, "till", *worlds.LOADS):
+    for name in QUICK_WORKLOADS if wish.quick else (*worlds.SUBTOTALS, "till", *worlds.LOADS):
         yield name, worlds.make(name)
     if wish.baskets:
         every = EVERY_BASKET_QUICK if wish.quick else EVERY_BASKET
@@ -61,7 +62,8 @@ def measure_all(bench, wish):
     for name, world in workloads_of(wish):
         tell(f"{name}, {worlds.title(name)}")
         found.append(bench.measure(name, world))
-    behind_network = network.measure_all(bench, NETWORK_WORKLOADS, tell)
+    digests = {workload["name"]: workload["digest"] for workload in found if workload["name"] in NETWORK_WORKLOADS}
+    behind_network = network.measure_all(bench, digests, tell)
     notes = [] if wish.baskets else ["The real baskets are left out: their file is not there."]
     command = " ".join(["./dev bench", *(["--quick"] if wish.quick else []),
                         *([shlex.quote(wish.baskets.name)] if wish.baskets else [])])

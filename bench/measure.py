@@ -12,8 +12,9 @@ FLUSH_SETTINGS = "[Log]\nFlush=call\n"
 
 # Each program works so long in a round, as far as one pass is not longer.
 ROUND_SECONDS = 0.1
-# Passes that tell what memory a pass keeps take so long together, at most.
-MEMORY_SECONDS = 0.5
+# Passes that tell what memory a pass keeps take so long together, as far as that is enough for two; where one pass takes
+# longer than the second number, it isn't asked.
+MEMORY_SECONDS, LONGEST_FOR_MEMORY = 0.25, 1.0
 
 
 class Effort:
@@ -26,7 +27,7 @@ class Effort:
         return min(self._rounds, passes_within(self._seconds, pass_seconds))
 
 
-THOROUGH, QUICK = Effort(9, 5), Effort(3, 1)
+THOROUGH, QUICK = Effort(9, 8), Effort(3, 1)
 
 
 class Libraries:
@@ -57,6 +58,7 @@ class Bench:
             running = {engine: open_programs.enter_context(self._engine(home, engine)) for engine in ENGINES}
             running[FLOOR] = open_programs.enter_context(
                 self.programs.floor(home / f"{BEFORE}.recording", self._world(home, FLOOR)))
+            digest = same_digest(name, {engine: running[engine].digest() for engine in ENGINES})
             times = in_turn(running, self.effort)
             memory = {engine: memory_of(running[engine], min(times[engine])) for engine in ENGINES}
         return {
@@ -65,7 +67,7 @@ class Bench:
             "entries": events[BEFORE].get("L", 0),
             "cpu": {program: statistics.median(taken) for program, taken in times.items()},
             "ratio": {engine: median_ratio(times[engine], times[FLOOR]) for engine in ENGINES},
-            "memory": memory,
+            "memory": memory, "digest": digest,
         }
 
     def _world(self, home, name):
@@ -96,10 +98,17 @@ def in_turn(running, effort):
 
 
 def memory_of(program, pass_seconds):
-    """What a program holds more behind each pass, and its peak; None where a pass takes too long to look at many."""
-    if pass_seconds * 2 > MEMORY_SECONDS:
+    """What a program holds more behind each pass, and its peak; None where a pass takes too long for that."""
+    if pass_seconds > LONGEST_FOR_MEMORY:
         return None
-    return program.memory(passes_within(MEMORY_SECONDS, pass_seconds))
+    return program.memory(max(2, passes_within(MEMORY_SECONDS, pass_seconds)))
+
+
+def same_digest(name, digests):
+    """The digest of all that stand beside each other: engines that don't answer the same are not compared."""
+    if len(set(digests.values())) != 1:
+        raise RuntimeError(f"the results of {name} differ: {digests}")
+    return next(iter(digests.values()))
 
 
 def median_ratio(times, floor_times):

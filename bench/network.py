@@ -72,14 +72,15 @@ def settings(database):
     return f"[DataBase]\nDbType=MYSQL\nServiceName=127.0.0.1\nDBName={database}\nUserName=till\nPassword=till\n"
 
 
-def measure_engine(bench, engine, home, database, proxy):
-    """Round trips, and seconds of the clock for a pass, of one engine."""
+def measure_engine(bench, engine, home, database, proxy, digest):
+    """Round trips, and seconds of the clock for a pass, of one engine, which shall answer as the others do."""
     world = programs.copy_of(home / "world", home / f"network-{engine}",
                              bench.libraries.settings(engine, settings(database)))
     # Another port than the usual one is told to the client library alone. Qt warns of a statement that the engine makes
     # before it opens the connection, with no harm done.
     environment = {"MYSQL_TCP_PORT": str(proxy.port), "QT_LOGGING_RULES": "default.warning=false"}
     with bench.programs.engine(bench.libraries.of[engine], world, environment) as running:
+        measure.same_digest(f"{home.name} behind a network", {"here": digest, engine: running.digest()})
         first = running.time(1)[1]
         trips = proxy.round_trips()
         rounds = bench.effort.rounds(first)
@@ -87,23 +88,22 @@ def measure_engine(bench, engine, home, database, proxy):
         return {"trips": round((proxy.round_trips() - trips) / rounds), "wall": statistics.median(walls)}
 
 
-def measure_workload(bench, name, its_server):
-    """All that is told of a workload behind the network."""
-    world, home = worlds.make(name), bench.folder / name
-    if not (home / "world").exists():
-        world.write(home / "world")
-    its_server.run(f"CREATE DATABASE shop_{name} CHARACTER SET utf8mb4")
-    its_server.run(script_of(world), f"shop_{name}")
+def measure_workload(bench, name, digest, its_server):
+    """All that is told of a workload behind the network. It has been measured on SQLite, with results of that digest."""
+    home, database = bench.folder / name, f"shop_{name}"
+    its_server.run(f"CREATE DATABASE {database} CHARACTER SET utf8mb4")
+    its_server.run(script_of(worlds.make(name)), database)
     with DelayProxy(bench.programs.folder / "delay_proxy", its_server.port) as proxy:
         return {"name": name, "title": worlds.title(name),
-                **{engine: measure_engine(bench, engine, home, f"shop_{name}", proxy) for engine in measure.ENGINES}}
+                **{engine: measure_engine(bench, engine, home, database, proxy, digest) for engine in measure.ENGINES}}
 
 
-def measure_all(bench, names, tell):
-    """Measures workloads on a server of their own; `tell` is called with each name ahead."""
+def measure_all(bench, digests, tell):
+    """Measures workloads on a server of their own; `digests` has the names and the digests of their results. `tell` is
+    called with each name ahead."""
     found = []
     with server() as started:
-        for name in names:
+        for name, digest in digests.items():
             tell(f"{name} behind a network")
-            found.append(measure_workload(bench, name, started))
+            found.append(measure_workload(bench, name, digest, started))
     return found

@@ -80,6 +80,8 @@ def bars(panel, workloads):
 
 def curves(panel, workloads, unit):
     """The ratio over a number that grows fourfold from point to point."""
+    if not workloads:
+        return []
     parts = panel.frame()
     numbers = [int(re.sub(r"\D", "", workload["name"])) for workload in workloads]
     span = math.log(max(numbers) / min(numbers)) or 1
