@@ -10,8 +10,11 @@ TARGET_WORKLOADS = ("A", "B", "D640", "till")
 
 def table(head, rows):
     """A Markdown table."""
-    lines = [head, ["---"] * len(head), *rows]
-    return "".join("| " + " | ".join(map(str, cells)) + " |\n" for cells in lines)
+    return table_row(head) + "|---" * len(head) + "|\n" + "".join(map(table_row, rows))
+
+
+def table_row(cells):
+    return "|" + "|".join(f" {cell} " if cell else " " for cell in cells) + "|\n"
 
 
 def milliseconds(seconds):
