@@ -11,8 +11,6 @@
 namespace Corvane {
 namespace {
 
-bool IsText(const QVariant& value) { return value.type() == QVariant::String || value.type() == QVariant::ByteArray; }
-
 /// A sign and digits, nothing else.
 bool IsWholeNumber(const QByteArray& text) {
   const bool hasSign = text.startsWith('-') || text.startsWith('+');
@@ -24,6 +22,8 @@ bool IsWholeNumber(const QByteArray& text) {
 std::int32_t Narrowed(quint64 number) { return static_cast<std::int32_t>(static_cast<std::uint32_t>(number)); }
 
 }  // namespace
+
+bool IsText(const QVariant& value) { return value.type() == QVariant::String || value.type() == QVariant::ByteArray; }
 
 double ColumnDouble(const QVariant& value) {
   const double number = value.toDouble();

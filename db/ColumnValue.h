@@ -8,6 +8,9 @@ namespace Corvane {
 
 // A table column's value in the form that a field has. NULL reads as 0 or false; a text that is no number reads as 0.
 
+/// Whether the database holds a text there, of signs or of bytes, rather than a number.
+bool IsText(const QVariant& value);
+
 /// A value that is not finite reads as 0.
 double ColumnDouble(const QVariant& value);
 

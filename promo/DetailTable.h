@@ -126,7 +126,7 @@ class DetailTables {
     const auto look = [&, place = -1](const QSqlQuery& query) mutable {
       if (place < 0) place = query.record().indexOf(QLatin1String("PluCode"));
       // A code that is no text was found as a number: 7 by "007".
-      isCertain = isCertain && query.value(place).type() == QVariant::String;
+      isCertain = isCertain && IsText(query.value(place));
     };
     if (!Take(Sql(select, NamingLines(codes), more), columns, take, look) || !isCertain) return false;
     std::stable_sort(naming.begin(), naming.end(),

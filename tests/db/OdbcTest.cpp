@@ -74,7 +74,9 @@ TEST_F(OdbcSqlServer, RowsOfAllLinesAtOnceAreThoseOfEachLine) {
     EXPECT_GT(lookAlikes.LineByLine, 30) << declared;
     bothways::Comparison ordinary(*m_db, bothways::Ordinary());
     ordinary.Run(100);
-    EXPECT_GT(ordinary.AtOnce, 0) << declared;
+    if (std::string(declared) != "integer") {
+      EXPECT_GT(ordinary.AtOnce, 20) << declared;
+    }
   }
 }
 

@@ -73,7 +73,7 @@ class Comparison {
     }
   }
 
-  int AtOnce = 0;      ///< sales that one statement served
+  int AtOnce = 0;      ///< sales that one statement served with rows
   int LineByLine = 0;  ///< sales that were not certain
 
  private:
@@ -144,7 +144,8 @@ class Comparison {
       std::vector<Row> rows;
       Corvane::DistinctRows<Row, Corvane::SameSerialNo> distinct(rows);
       const bool atOnce = tables.ReadAtOnce(codes, tables.Select(kSelect), kColumns, distinct);
-      ++(atOnce ? AtOnce : LineByLine);
+      if (!atOnce) ++LineByLine;
+      if (atOnce && !rows.empty()) ++AtOnce;
     }
   }
 

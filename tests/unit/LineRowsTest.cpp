@@ -131,11 +131,13 @@ TEST_P(BothWays, GiveTheSameRowsForOrdinaryCodes) {
   EXPECT_GT(comparison.AtOnce, 30);
 }
 
+/// A column of numbers finds 7 by "07".
 TEST_P(BothWays, GiveTheSameRowsForCodesThatAreNumbers) {
   const DatabaseCall call(m_db->Shared());
   Comparison comparison(*m_db, bothways::Numbers());
   comparison.Run(300);
-  EXPECT_GT(comparison.AtOnce, 30);
+  const bool holdsNumbers = std::string(GetParam()) == "integer" || std::string(GetParam()) == "real";
+  EXPECT_EQ(comparison.AtOnce > 30, !holdsNumbers);
 }
 
 INSTANTIATE_TEST_SUITE_P(, BothWays,
