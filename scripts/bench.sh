@@ -35,6 +35,8 @@ bench() {
 count() {
   need "${packages_build[@]:?}" "${packages_count[@]:?}"
   build bench
+  say "testing the bench"
+  python3 -B bench/bench_test.py
   say "counting instructions"
   python3 -B bench/count.py build/bench/bin build/bench/lib/libQNCORVANE.so out/count bench/callgrind.baseline "$@"
 }
