@@ -5,8 +5,14 @@
 # Real sales, where a machine has them.
 bench_baskets=../shared/data/online_retail_10k.csv
 
+# The commit in front of the one that brought the file of bench/baseline. A name would not outlive a history that is
+# written anew.
 bench_revision() {
-  grep -v '^#' bench/baseline | head -n 1
+  local file brought
+  file=$(grep -v '^#' bench/baseline | head -n 1)
+  brought=$(git log --diff-filter=A --format=%H -- "$file" | tail -n 1)
+  [[ -n $brought ]] || refuse "the history here does not tell what brought $file; 'git fetch --unshallow' may bring it"
+  printf '%s^\n' "$brought"
 }
 
 bench() {
@@ -33,10 +39,10 @@ bench() {
 
 # Instructions of a pass beside the committed ones.
 count() {
-  need "${packages_build[@]:?}" "${packages_count[@]:?}"
-  build bench
+  need "${packages_build[@]:?}" "${packages_test[@]:?}" "${packages_count[@]:?}"
+  build ci-gcc
   say "testing the bench"
   python3 -B bench/bench_test.py
   say "counting instructions"
-  python3 -B bench/count.py build/bench/bin build/bench/lib/libQNCORVANE.so out/count bench/callgrind.baseline "$@"
+  python3 -B bench/count.py build/ci-gcc/bin build/ci-gcc/lib/libQNCORVANE.so out/count bench/callgrind.baseline "$@"
 }
