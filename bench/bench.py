@@ -23,6 +23,7 @@ import page
 import plot
 import programs
 import worlds
+import writer
 
 NETWORK_WORKLOADS = ("A", "B", "till")
 QUICK_WORKLOADS = ("A", "B", "D640", "till", "load1000")
@@ -64,11 +65,13 @@ def measure_all(bench, wish):
         found.append(bench.measure(name, world))
     digests = {workload["name"]: workload["digest"] for workload in found if workload["name"] in NETWORK_WORKLOADS}
     behind_network = network.measure_all(bench, digests, tell)
+    tell("a writer that waits")
+    waits = writer.measure_all(bench)
     notes = [] if wish.baskets else ["The real baskets are left out: their file is not there."]
     command = " ".join(["./dev bench", *(["--quick"] if wish.quick else []),
                         *([shlex.quote(wish.baskets.name)] if wish.baskets else [])])
     return {"machine": machine.description(command, wish.revision), "notes": notes, "workloads": found,
-            "network": behind_network}
+            "network": behind_network, "writer": waits}
 
 
 def main():

@@ -13,6 +13,7 @@ import page
 import plot
 import programs
 import worlds
+import writer
 
 
 def workload(name):
@@ -27,6 +28,7 @@ RESULTS = {
     "workloads": [workload(name) for name in ("A", "B", "D40", "D640", "R5", "R20", "till", "load1000")],
     "network": [{"name": "B", "title": "100 lines x 50 rules",
                  **{engine: {"trips": 5020, "wall": 2.5} for engine in measure.ENGINES}}],
+    "writer": dict.fromkeys((writer.QUIET, *measure.ENGINES), {"median": 0.001, "longest": 0.02, "writes": 7}),
 }
 
 

@@ -1,6 +1,7 @@
 """The tables of what was measured, and the page that they stand on."""
 
 import measure
+import writer
 from network import DELAY_SECONDS
 
 BEGIN, END = "<!-- measured: begin -->", "<!-- measured: end -->"
@@ -87,6 +88,16 @@ def memory_table(results):
     return table(["", "workload", *(TITLES[engine] for engine in measure.ENGINES)], rows)
 
 
+def wait_text(found):
+    return f"{milliseconds(found['median'])} / {milliseconds(found['longest'])} ({found['writes']} writes)"
+
+
+def writer_table(results):
+    who = (writer.QUIET, *measure.ENGINES)
+    return table(["", "nobody calculates", *(TITLES[engine] for engine in measure.ENGINES)],
+                 [["a write takes", *(wait_text(results["writer"][name]) for name in who)]])
+
+
 def measured(results, plot):
     """All that stands between the markers."""
     machine = table(["", ""], results["machine"].items())
@@ -117,6 +128,12 @@ MariaDB over loopback, {DELAY_SECONDS * 1e3:.1f} ms for each round trip. Round t
 clock for a pass.
 
 {network_table(results)}
+### A writer that waits
+
+An office that writes a row into the SQLite file every now and then, while a till calculates {writer.WORKLOAD} without a pause. Median
+and longest time of a write.
+
+{writer_table(results)}
 ### Memory
 
 Bytes that the process holds more behind each pass / its peak.
