@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <qncorvane/qncorvane.h>
-#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -12,6 +11,7 @@
 #include <iterator>
 #include <string>
 
+#include "tests/support/LogMover.h"
 #include "tests/support/Till.h"
 
 namespace Corvane::Testing {
@@ -179,27 +179,6 @@ TEST_P(LogFlushOfEither, IsNotOpenBetweenCalls) {
   });
 }
 
-/// A process that moves the log to names of its own, over and over, until this object goes.
-class Mover {
- public:
-  Mover() : m_child(fork()) {
-    if (m_child != 0) return;
-    for (int number = 0;; ++number) {
-      rename(kLog, ("moved-" + std::to_string(number)).c_str());
-      usleep(300);
-    }
-  }
-  ~Mover() {
-    kill(m_child, SIGKILL);
-    waitpid(m_child, nullptr, 0);
-  }
-  Mover(const Mover&) = delete;
-  Mover& operator=(const Mover&) = delete;
-
- private:
-  pid_t m_child;
-};
-
 // 300 sales of 19 entries: in one file or another each is there, whole and once.
 TEST_P(LogFlushOfEither, NoneIsLostWhileAnotherProcessMovesTheFile) {
   Configure(GetParam());
@@ -207,7 +186,7 @@ TEST_P(LogFlushOfEither, NoneIsLostWhileAnotherProcessMovesTheFile) {
     LoadCola();
     TakeLog();
     {
-      const Mover mover;
+      const LogMover mover;
       for (int sale = 0; sale < 300; ++sale) EXPECT_EQ(Sell("sale" + std::to_string(sale)).Code, 0);
     }
     std::string all;

@@ -6,22 +6,12 @@
  * Runs in a copy of the sample store. Exits with 0 when every call answered as it should, and with 1 and a line on
  * stderr for each that did not.
  */
-#include <dlfcn.h>
 #include <locale.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 
-struct Engine {
-  int (*BeginInitPro)(void);
-  int (*InitPromotion)(const char* type, const char* xml, char* msg);
-  int (*FinishInitPro)(void);
-  int (*ClearPromotion)(char* msg, const char* billNo);
-  int (*CalcPromotion)(const char* key, const char* mode, const char* xml, char* out, char* msg);
-  int (*DeleteSaleSetByKey)(const char* key);
-  int (*ClearSaleSetForNet)(char* msg);
-  char* (*GetState)(char* buffer);
-};
+#include "load_engine.h"
 
 static const char* const kSale =
     "<Sale BillNo=\"S-1\" OrgCode=\"01\" IsCalc=\"0\"><Plu>"
@@ -51,34 +41,6 @@ static void CheckContains(const char* text, const char* part, const char* what) 
   if (strstr(text, part) != NULL) return;
   ++failures;
   fprintf(stderr, "host: %s: no '%s' in:\n%s\n", what, part, text);
-}
-
-/* Without the call there is nothing to test. */
-static void Bind(void* library, const char* name, void* place) {
-  void* const symbol = dlsym(library, name);
-  if (symbol == NULL) {
-    fprintf(stderr, "host: no call named %s\n", name);
-    exit(1);
-  }
-  memcpy(place, &symbol, sizeof symbol);
-}
-
-static struct Engine LoadEngine(const char* path) {
-  void* const library = dlopen(path, RTLD_NOW | RTLD_LOCAL);
-  if (library == NULL) {
-    fprintf(stderr, "host: %s\n", dlerror());
-    exit(1);
-  }
-  struct Engine engine;
-  Bind(library, "BeginInitPro", &engine.BeginInitPro);
-  Bind(library, "InitPromotion", &engine.InitPromotion);
-  Bind(library, "FinishInitPro", &engine.FinishInitPro);
-  Bind(library, "ClearPromotion", &engine.ClearPromotion);
-  Bind(library, "CalcPromotion", &engine.CalcPromotion);
-  Bind(library, "DeleteSaleSetByKey", &engine.DeleteSaleSetByKey);
-  Bind(library, "ClearSaleSetForNet", &engine.ClearSaleSetForNet);
-  Bind(library, "GetState", &engine.GetState);
-  return engine;
 }
 
 static char* ReadRule(const char* path) {

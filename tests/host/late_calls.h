@@ -9,16 +9,7 @@
 #include <string.h>
 #include <unistd.h>
 
-struct Engine {
-  int (*BeginInitPro)(void);
-  int (*InitPromotion)(const char* type, const char* xml, char* msg);
-  int (*FinishInitPro)(void);
-  int (*ClearPromotion)(char* msg, const char* billNo);
-  int (*CalcPromotion)(const char* key, const char* mode, const char* xml, char* out, char* msg);
-  int (*DeleteSaleSetByKey)(const char* key);
-  int (*ClearSaleSetForNet)(char* msg);
-  char* (*GetState)(char* buffer);
-};
+#include "engine.h"
 
 static const char* const kCouponRule =
     "<Rules><Rule BillNo='Q1' ProType='MZZQ' Primary='DJ'><OrgFilter><R OrgCode='*'/></OrgFilter><ProTime>"

@@ -7,39 +7,18 @@
  * "after": it is registered after the first calls. "only": as before, and nothing else calls. "loading": the handler
  * loads the library.
  */
-#include <dlfcn.h>
 #include <stdlib.h>
 
 #include "late_calls.h"
+#include "load_engine.h"
 
 static struct Engine engine;
 static const char* library_path;
 
-static void Bind(void* library, const char* name, void* place) {
-  void* const symbol = library == NULL ? NULL : dlsym(library, name);
-  if (symbol == NULL) {
-    fprintf(stderr, "late_host: no %s\n", name);
-    _exit(1);
-  }
-  memcpy(place, &symbol, sizeof symbol);
-}
-
-static void LoadEngine(void) {
-  void* const library = dlopen(library_path, RTLD_NOW | RTLD_LOCAL);
-  Bind(library, "BeginInitPro", &engine.BeginInitPro);
-  Bind(library, "InitPromotion", &engine.InitPromotion);
-  Bind(library, "FinishInitPro", &engine.FinishInitPro);
-  Bind(library, "ClearPromotion", &engine.ClearPromotion);
-  Bind(library, "CalcPromotion", &engine.CalcPromotion);
-  Bind(library, "DeleteSaleSetByKey", &engine.DeleteSaleSetByKey);
-  Bind(library, "ClearSaleSetForNet", &engine.ClearSaleSetForNet);
-  Bind(library, "GetState", &engine.GetState);
-}
-
 static void AtExit(void) { CallLate(&engine); }
 
 static void AtExitLoading(void) {
-  LoadEngine();
+  engine = LoadEngine(library_path);
   CallLate(&engine);
 }
 
@@ -53,7 +32,7 @@ int main(int argc, char** argv) {
     return 0;
   }
   if (strcmp(when, "after") != 0) atexit(AtExit);
-  LoadEngine();
+  engine = LoadEngine(library_path);
   if (strcmp(when, "only") != 0) CallEarly(&engine);
   if (strcmp(when, "after") == 0) atexit(AtExit);
   return 0;

@@ -23,6 +23,7 @@
 #include "log/Log.h"
 #include "log/LogFlush.h"
 #include "log/LogWriter.h"
+#include "tests/support/LogMover.h"
 #include "tests/unit/RuleFixture.h"
 
 namespace fs = std::filesystem;
@@ -572,36 +573,10 @@ TEST_P(EitherLog, ThreadsLoseNothing) {
   EXPECT_TRUE(EverywhereSorted() == Many({"other", "outside", "this"}, kEntries));
 }
 
-/// A process that moves the log away, and links it elsewhere and deletes it, over and over, until this object goes.
-class Mover {
- public:
-  Mover() : m_child(fork()) {
-    if (m_child != 0) return;
-    for (int number = 0;; ++number) {
-      const std::string name = "moved-" + std::to_string(number);
-      if (number % 2 == 0) {
-        rename(kLog, name.c_str());
-      } else if (link(kLog, name.c_str()) == 0) {
-        unlink(kLog);
-      }
-      usleep(200);
-    }
-  }
-  ~Mover() {
-    kill(m_child, SIGKILL);
-    waitpid(m_child, nullptr, 0);
-  }
-  Mover(const Mover&) = delete;
-  Mover& operator=(const Mover&) = delete;
-
- private:
-  pid_t m_child;
-};
-
 TEST_P(EitherLog, WhileAnotherProcessMovesItEveryEntryIsInOneOfTheFiles) {
   constexpr int kEntries = 20000;
   {
-    const Mover mover;
+    const Corvane::Testing::LogMover mover;
     LogMany("sale", kEntries);
   }
   EXPECT_GT(std::distance(fs::directory_iterator("."), fs::directory_iterator()), 2) << "nothing was moved";

@@ -1,0 +1,44 @@
+#ifndef QNCORVANE_TESTS_SUPPORT_LOGMOVER_H
+#define QNCORVANE_TESTS_SUPPORT_LOGMOVER_H
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <string>
+
+namespace Corvane::Testing {
+
+/// A process that moves the log away, and links it elsewhere and deletes it, over and over, until this object goes. All
+/// that was in it stays in files named "moved-" and a number.
+class LogMover {
+ public:
+  LogMover() : m_child(fork()) {
+    if (m_child != 0) return;
+    constexpr const char* kLog = "QnCorvane.txt";
+    for (int number = 0;; ++number) {
+      const std::string name = "moved-" + std::to_string(number);
+      if (number % 2 == 0) {
+        std::rename(kLog, name.c_str());
+      } else if (link(kLog, name.c_str()) == 0) {
+        unlink(kLog);
+      }
+      constexpr useconds_t kPause = 200;
+      usleep(kPause);
+    }
+  }
+  ~LogMover() {
+    kill(m_child, SIGKILL);
+    waitpid(m_child, nullptr, 0);
+  }
+  LogMover(const LogMover&) = delete;
+  LogMover& operator=(const LogMover&) = delete;
+
+ private:
+  pid_t m_child;
+};
+
+}  // namespace Corvane::Testing
+
+#endif
