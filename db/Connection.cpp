@@ -289,26 +289,26 @@ QSqlQuery Connection::NewQuery() const {
   return query;
 }
 
-bool Connection::Select(const SqlText& sql, QSqlQuery& query) {
+bool Connection::Select(const SqlText& sql, Recordset& rows) {
   const bool keeps = DialectOf(DbTypeUpper).KeepsStatements;
   const bool isFirst = keeps && BeginReading();
   if (!keeps || !sql.CanBeBound()) {
-    query = NewQuery();
-    return Exec(query, sql.ToString());
+    rows = {NewQuery()};
+    return Exec(rows.Query, sql.ToString());
   }
   const QString pattern = sql.Pattern();
   const auto kept = m_kept.find(pattern);
   if (kept != m_kept.end()) {
-    query = kept->Query;
+    rows = kept->Rows;
     if (ExecWith(sql, *kept)) return true;
     m_kept.erase(kept);
     // A table that somebody changed is missed by the first statement when it runs, by every other when it is prepared:
     // the reasons differ, and support knows both.
     if (isFirst || Use.IsOver()) return false;
   }
-  query = NewQuery();
-  if (!Prepare(query, pattern)) return false;
-  KeptStatement statement{query, {}};
+  rows = {NewQuery()};
+  if (!Prepare(rows.Query, pattern)) return false;
+  KeptStatement statement{rows, {}};
   if (!ExecWith(sql, statement)) return false;
   constexpr int kMostKept = 200;
   if (m_kept.size() >= kMostKept) m_kept.clear();
@@ -323,10 +323,10 @@ bool Connection::ExecWith(const SqlText& sql, KeptStatement& statement) {
   for (std::size_t place = 0; place < bound.size(); ++place) {
     const Text value = sql.Values()[place];
     if (bound[place] == value) continue;
-    statement.Query.bindValue(static_cast<int>(place), SqlText::ValueOf(value));
+    statement.Rows.Query.bindValue(static_cast<int>(place), SqlText::ValueOf(value));
     bound[place] = value;
   }
-  return ExecPrepared(statement.Query);
+  return ExecPrepared(statement.Rows.Query);
 }
 
 // --- Calls ----------------------------------------------------------------------------------------------------------
@@ -354,7 +354,7 @@ bool Connection::EndReading() noexcept {
   return Guarded([&] {
     if (!m_isReading || !IsOpen()) return true;
     // A statement that was broken off holds the file.
-    for (KeptStatement& statement : m_kept) statement.Query.finish();
+    for (KeptStatement& statement : m_kept) statement.Rows.Query.finish();
     m_isReading = !Db->commit() && !Db->rollback();
     return !m_isReading;
   });

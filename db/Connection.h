@@ -15,6 +15,7 @@
 #include "db/ConnectionHealth.h"
 #include "db/Guarded.h"
 #include "db/OpenedFile.h"
+#include "db/Recordset.h"
 #include "db/Settings.h"
 #include "db/SqlText.h"
 #include "db/UseInCall.h"
@@ -89,8 +90,8 @@ class Connection {
   /// Runs a SELECT of a rule. Where the kind keeps statements, it is prepared once for as long as the connection stays
   /// open; and within a call all of them read from one transaction, which sees the store as it was at the first.
   ///
-  /// @param query out: as from `QnPosDBPro::openRecordset`; the connection must be usable.
-  bool Select(const SqlText& sql, QSqlQuery& query);
+  /// @param rows out. The connection must be usable.
+  bool Select(const SqlText& sql, Recordset& rows);
 
   /// A query for rows that are read once, from the first to the last.
   QSqlQuery NewQuery() const;
@@ -113,7 +114,7 @@ class Connection {
  private:
   /// A prepared statement, and the values that it was last run with.
   struct KeptStatement {
-    QSqlQuery Query;
+    Recordset Rows;
     std::vector<std::string> Values;
   };
 

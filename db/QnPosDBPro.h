@@ -109,11 +109,10 @@ class QnPosDBPro {
 
   /// Runs a SELECT of a rule, at the least cost that its kind allows.
   ///
-  /// @param query out: the result set, standing before the first row; forward only. It is read before the next
-  ///              statement of the same words runs.
+  /// @param rows   out: forward only, and to be read before the next statement of the same words runs.
   /// @param reason in and out: the reason of a failure is appended, without the statement.
-  bool openRecordset(const SqlText& sql, QSqlQuery& query, QString& reason) {
-    return OpenRecordset(*Slot, sql, query, reason);
+  bool openRecordset(const SqlText& sql, Recordset& rows, QString& reason) {
+    return OpenRecordset(*Slot, sql, rows, reason);
   }
 
   /// To be asked when `query`, from openRecordset, has no next row: whether its rows ended there or broke off.

@@ -25,11 +25,11 @@ bool OpenRecordset(Connection& connection, const QString& sql, QSqlQuery& query,
   });
 }
 
-bool OpenRecordset(Connection& connection, const SqlText& sql, QSqlQuery& query, QString& reason) {
+bool OpenRecordset(Connection& connection, const SqlText& sql, Recordset& rows, QString& reason) {
   return Guarded(reason, [&] {
     if (!connection.IsUsable(reason)) return false;
-    if (connection.Select(sql, query)) return true;
-    reason += query.lastError().text();
+    if (connection.Select(sql, rows)) return true;
+    reason += rows.Query.lastError().text();
     return false;
   });
 }

@@ -19,7 +19,7 @@ bool ExecuteSql(Connection& connection, const QString& sql, QString& error);
 /// As `QnPosDBPro::openRecordset`.
 bool OpenRecordset(Connection& connection, const QString& sql, QSqlQuery& query, QString& error);
 
-bool OpenRecordset(Connection& connection, const SqlText& sql, QSqlQuery& query, QString& reason);
+bool OpenRecordset(Connection& connection, const SqlText& sql, Recordset& rows, QString& reason);
 
 /// What the error of a SELECT that failed says: the statement, and the reason behind it.
 QString FailedRecordset(const SqlText& sql, const QString& reason);

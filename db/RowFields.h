@@ -3,17 +3,18 @@
 
 #include <QByteArray>
 #include <QSqlQuery>
-#include <QSqlRecord>
 #include <QString>
 #include <QVariant>
-#include <array>
 #include <cstddef>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "base/Text.h"
 #include "base/TextPool.h"
 #include "db/ColumnValue.h"
 #include "db/QnPosDBPro.h"
+#include "db/Recordset.h"
 
 namespace Corvane {
 
@@ -57,37 +58,42 @@ inline QVariant Unpadded(const QVariant& value, bool isPadded) {
   return text.left(size);
 }
 
-/// Reads a result set from its first row to its last: each row fills a new record, which goes to `take` when all rows
-/// are there. A column's place is looked up once; a field whose column the result set doesn't have stays as a new
-/// record has it.
+/// The entry of a table that fills from a column. @return the number of entries when there is none.
+template <class Record, std::size_t Size>
+constexpr std::size_t FieldOf(const RowField<Record> (&fields)[Size], std::string_view column) {
+  std::size_t field = 0;
+  while (field < Size && column != fields[field].Column) ++field;
+  return field;
+}
+
+/// Reads rows from the first to the last: each fills a new record, which goes to `take` when all rows are there. A
+/// field whose column the rows don't have stays as a new record has it.
 ///
-/// @param query a result set as `db.openRecordset` hands it over.
+/// @param fields constants, as the rows remember where their columns stand.
 /// @param error in and out: when the rows break off, the reason is appended.
-/// @param look  sees the result set on each row.
+/// @param look  sees each row's query, and the place of each field's column.
 /// @return false when the rows broke off; `take` has seen none of them then.
 template <class Record, std::size_t Size, class Taker, class Looker>
-bool ReadRows(QnPosDBPro& db, QSqlQuery& query, const RowField<Record> (&fields)[Size], QString& error, Taker take,
+bool ReadRows(QnPosDBPro& db, Recordset rows, const RowField<Record> (&fields)[Size], QString& error, Taker take,
               Looker look) {
-  const QSqlRecord columns = query.record();
-  std::array<int, Size> places{};
-  for (std::size_t field = 0; field < Size; ++field)
-    places[field] = columns.indexOf(QLatin1String(fields[field].Column));
+  const std::vector<int>& places = rows.Places->Of(rows.Query, fields);
   const bool isPadded = db.PadsTexts();
   std::vector<Record> records;
-  while (query.next()) {
-    look(query);
+  while (rows.Query.next()) {
+    look(rows.Query, places);
     Record& record = records.emplace_back();
     for (std::size_t field = 0; field < Size; ++field) {
-      if (places[field] >= 0) fields[field].Read(record, Unpadded(query.value(places[field]), isPadded));
+      if (places[field] >= 0) fields[field].Read(record, Unpadded(rows.Query.value(places[field]), isPadded));
     }
   }
-  if (!db.EndedWell(query, error)) return false;
+  if (!db.EndedWell(rows.Query, error)) return false;
   for (Record& record : records) take(record);
   return true;
 }
 template <class Record, std::size_t Size, class Taker>
-bool ReadRows(QnPosDBPro& db, QSqlQuery& query, const RowField<Record> (&fields)[Size], QString& error, Taker take) {
-  return ReadRows(db, query, fields, error, take, [](const QSqlQuery& /*query*/) {});
+bool ReadRows(QnPosDBPro& db, Recordset rows, const RowField<Record> (&fields)[Size], QString& error, Taker take) {
+  return ReadRows(db, std::move(rows), fields, error, take,
+                  [](const QSqlQuery& /*query*/, const std::vector<int>& /*places*/) {});
 }
 
 }  // namespace Corvane

@@ -2,7 +2,6 @@
 #define QNCORVANE_PROMO_DETAILTABLE_H
 
 #include <QSqlQuery>
-#include <QSqlRecord>
 #include <QString>
 #include <algorithm>
 #include <cstddef>
@@ -123,10 +122,9 @@ class DetailTables {
       if (line) naming.push_back({*line, row});
       isCertain = isCertain && line.has_value();
     };
-    const auto look = [&, place = -1](const QSqlQuery& query) mutable {
-      if (place < 0) place = query.record().indexOf(QLatin1String("PluCode"));
+    const auto look = [&](const QSqlQuery& query, const std::vector<int>& places) {
       // A code that is no text was found as a number: 7 by "007".
-      isCertain = isCertain && IsText(query.value(place));
+      isCertain = isCertain && IsText(query.value(places[FieldOf(columns, "PluCode")]));
     };
     if (!Take(Sql(select, NamingLines(codes), more), columns, take, look) || !isCertain) return false;
     std::stable_sort(naming.begin(), naming.end(),
@@ -163,9 +161,9 @@ class DetailTables {
   /// Hands over the rows of a statement when all are there.
   template <class Row, std::size_t Size, class... Taker>
   bool Take(const SqlText& sql, const RowField<Row> (&columns)[Size], Taker... take) {
-    QSqlQuery query;
+    Recordset rows;
     m_reason.clear();
-    return m_db.openRecordset(sql, query, m_reason) && ReadRows(m_db, query, columns, m_reason, take...);
+    return m_db.openRecordset(sql, rows, m_reason) && ReadRows(m_db, rows, columns, m_reason, take...);
   }
 
   template <class Row, std::size_t Size>

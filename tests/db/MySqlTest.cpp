@@ -120,7 +120,7 @@ TEST_F(MySql, ABitIsATruthValue) {
     const Corvane::RowField<FlagRow> fields[] = {{column, Corvane::FromColumn<FlagRow>::Boolean<&FlagRow::Flag>}};
     std::vector<bool> read;
     ASSERT_TRUE(Ask("select * from t order by Number"));
-    EXPECT_TRUE(Corvane::ReadRows<FlagRow>(*m_db, m_query, fields, m_error,
+    EXPECT_TRUE(Corvane::ReadRows<FlagRow>(*m_db, Rows(), fields, m_error,
                                            [&](const FlagRow& row) { read.push_back(row.Flag); }));
     EXPECT_EQ(read, (std::vector<bool>{false, true, false})) << column;
   }
@@ -137,10 +137,10 @@ TEST_F(MySql, ANullReadsAsTheEmptyTextInAColumnOfNumbersToo) {
   TextRow read;
   const auto take = [&read](const TextRow& row) { read = row; };
   ASSERT_TRUE(Ask("select * from t"));
-  EXPECT_TRUE(Corvane::ReadRows<TextRow>(*m_db, m_query, word, m_error, take));
+  EXPECT_TRUE(Corvane::ReadRows<TextRow>(*m_db, Rows(), word, m_error, take));
   EXPECT_STREQ(read.Text, "");
   ASSERT_TRUE(Ask("select * from t"));
-  EXPECT_TRUE(Corvane::ReadRows<TextRow>(*m_db, m_query, number, m_error, take));
+  EXPECT_TRUE(Corvane::ReadRows<TextRow>(*m_db, Rows(), number, m_error, take));
   EXPECT_STREQ(read.Text, "");
 }
 

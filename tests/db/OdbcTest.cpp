@@ -135,7 +135,7 @@ TEST_F(OdbcSqlServer, BlanksThatPadATextAreDropped) {
   const Corvane::RowField<TextRow> fields[] = {{"Word", Corvane::FromColumn<TextRow>::KeptText<&TextRow::Text>}};
   TextRow read;
   ASSERT_TRUE(Ask("select Word from t"));
-  EXPECT_TRUE(Corvane::ReadRows<TextRow>(*m_db, m_query, fields, m_error, [&](const TextRow& row) { read = row; }));
+  EXPECT_TRUE(Corvane::ReadRows<TextRow>(*m_db, Rows(), fields, m_error, [&](const TextRow& row) { read = row; }));
   EXPECT_STREQ(read.Text, " PLU");
 }
 
@@ -145,7 +145,7 @@ TEST_F(OdbcSqlServer, RowsThatBreakOffAreAFailure) {
   const Corvane::RowField<TextRow> fields[] = {{"b", Corvane::FromColumn<TextRow>::KeptText<&TextRow::Text>}};
   int taken = 0;
   const bool read = Ask("select abs(a) as b from t") &&
-                    Corvane::ReadRows<TextRow>(*m_db, m_query, fields, m_error, [&](const TextRow&) { ++taken; });
+                    Corvane::ReadRows<TextRow>(*m_db, Rows(), fields, m_error, [&](const TextRow&) { ++taken; });
   EXPECT_FALSE(read);
   EXPECT_EQ(taken, 0);
   EXPECT_NE(Utf8(m_error).find("integer overflow"), std::string::npos) << Utf8(m_error);

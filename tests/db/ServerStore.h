@@ -12,6 +12,7 @@
 #include <string>
 
 #include "db/QnPosDBPro.h"
+#include "db/Recordset.h"
 
 namespace dbtest {
 
@@ -46,6 +47,8 @@ class ServerStore : public testing::Test {
 
   bool Run(const char* sql) { return m_db->excuteSQL(U(sql), m_error); }
   bool Ask(const char* sql) { return m_db->openRecordset(U(sql), m_query, m_error); }
+  /** What the last question brought. */
+  Corvane::Recordset Rows() const { return {m_query}; }
   /** The first column of the first row as text; "(none)" without one. */
   std::string Answer(const char* sql) {
     if (!Ask(sql)) return "failed: " + Utf8(m_error);

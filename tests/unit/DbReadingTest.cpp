@@ -10,6 +10,7 @@
 
 using Corvane::DatabaseCall;
 using Corvane::Quoted;
+using Corvane::Recordset;
 using Corvane::SqlText;
 using dbtest::Utf8;
 using Values = std::vector<std::string>;
@@ -42,11 +43,11 @@ class Reading : public testing::Test {
   /// `b` of the rows with this `a`; the reason when they can't be read.
   Values Ask(const char* a) {
     const SqlText sql(m_till->Dialect(), "select b from t where a=", Quoted{a});
-    QSqlQuery query;
+    Recordset rows;
     QString reason;
-    if (!m_till->openRecordset(sql, query, reason)) return {Utf8(reason)};
+    if (!m_till->openRecordset(sql, rows, reason)) return {Utf8(reason)};
     Values values;
-    while (query.next()) values.push_back(Utf8(query.value(0).toString()));
+    while (rows.Query.next()) values.push_back(Utf8(rows.Query.value(0).toString()));
     return values;
   }
 
@@ -126,12 +127,12 @@ TEST_F(Reading, ACallWithinACallLeavesTheTransactionToTheOuterOne) {
 }
 
 TEST_F(Reading, RowsThatWereNotReadToTheirEndHoldNothingBehindTheCall) {
-  QSqlQuery query;
+  Recordset rows;
   {
     const DatabaseCall call(m_till->Shared());
     const SqlText sql(m_till->Dialect(), "select b from t where a<>", Quoted{"0"});
-    ASSERT_TRUE(m_till->openRecordset(sql, query, m_error));
-    ASSERT_TRUE(query.next());
+    ASSERT_TRUE(m_till->openRecordset(sql, rows, m_error));
+    ASSERT_TRUE(rows.Query.next());
   }
   EXPECT_TRUE(Office("update t set b='changed'"));
 }
@@ -139,8 +140,8 @@ TEST_F(Reading, RowsThatWereNotReadToTheirEndHoldNothingBehindTheCall) {
 TEST_F(Reading, AFailedStatementLeavesTheCallItsTransaction) {
   {
     const DatabaseCall call(m_till->Shared());
-    QSqlQuery query;
-    EXPECT_FALSE(m_till->openRecordset(SqlText(m_till->Dialect(), "select b from missing"), query, m_error));
+    Recordset rows;
+    EXPECT_FALSE(m_till->openRecordset(SqlText(m_till->Dialect(), "select b from missing"), rows, m_error));
     EXPECT_EQ(Ask("1"), Values{"one"});
     EXPECT_FALSE(Office("update t set b='changed'"));
   }
@@ -162,9 +163,9 @@ TEST_F(Reading, MoreStatementsThanAreKeptAreAskedAllTheSame) {
   for (int round = 0; round < 2; ++round) {
     SqlText words(m_till->Dialect(), "select b from t where a=", Quoted{"1"});
     for (int statement = 0; statement < 300; ++statement) {
-      QSqlQuery query;
-      ASSERT_TRUE(m_till->openRecordset(words, query, m_error)) << Utf8(m_error);
-      EXPECT_TRUE(query.next());
+      Recordset rows;
+      ASSERT_TRUE(m_till->openRecordset(words, rows, m_error)) << Utf8(m_error);
+      EXPECT_TRUE(rows.Query.next());
       words = SqlText(m_till->Dialect(), words, " ");
     }
   }
