@@ -4,6 +4,7 @@
 #include <QString>
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/Text.h"
@@ -92,7 +93,7 @@ class SqlText {
       written = m_places[value];
       write(text, m_values[value]);
     }
-    text.append(m_words, written, std::string::npos);
+    text.append(std::string_view(m_words).substr(written));
     return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
   }
 

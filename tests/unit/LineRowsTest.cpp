@@ -7,9 +7,7 @@
 using bothways::Comparison;
 using Corvane::CodeIndex;
 using Corvane::DatabaseCall;
-using Corvane::DetailTables;
 using Corvane::LineCodes;
-using Corvane::ProSale;
 using Corvane::SalePlu;
 
 namespace {
