@@ -10,6 +10,7 @@ import pathlib
 import re
 import socket
 import sqlite3
+import subprocess
 import sys
 import time
 import unittest
@@ -19,6 +20,7 @@ from statement_gate import StatementGate
 from store import Till, sample_rows, sample_rules, sample_walks, schema, sqlite_database
 
 LIBRARY, WORK = (pathlib.Path(sys.argv.pop(1)).resolve() for _ in range(2))
+ROOT = pathlib.Path(__file__).resolve().parents[2]
 WALKS = sample_walks()
 LOST_ROWS = "获取普通类促销详情失败"
 
@@ -216,6 +218,21 @@ class OnMySql(BesideSqlite):
             with self.within(2 * 3 + 1):
                 self.basket(self.mysql)
         self.assertEqual(self.basket(self.mysql), self.basket(self.sqlite))
+
+    def test_a_login_with_the_least_rights_does_for_every_walk(self):
+        """The rights that SECURITY.md tells, and no more."""
+        page = (ROOT / "SECURITY.md").read_text("utf-8")
+        rights = re.search(r"MySQL and MariaDB:\n\n```sql\n(.*?)```", page, re.DOTALL)[1]
+        self.server.run(rights.replace("a long password", "secret"))
+        self.addCleanup(self.server.run, "drop user till@'%'")
+        till = self.till("least", "DbType=MySQL\nServiceName=127.0.0.1\nDBName=shop\nUserName=till\nPassword=secret\n",
+                         {"MYSQL_TCP_PORT": str(self.server.port)})
+        self.open_store(till)
+        self.assert_same_walks(till)
+        with self.assertRaises(subprocess.CalledProcessError):
+            subprocess.run(["mariadb", "--no-defaults", "--user=till", "--password=secret", "--host=127.0.0.1",
+                            f"--port={self.server.port}", "shop", "--execute=delete from tProMzScheme"],
+                           check=True, stderr=subprocess.DEVNULL)
 
     def test_codes_that_look_like_statements(self):
         self.open_store(self.mysql)
