@@ -4,6 +4,7 @@
 #include <QSqlDriver>
 #include <QVariant>
 #include <chrono>
+#include <utility>
 
 #include "db/ConnectionFile.h"
 #include "db/DriverFile.h"
@@ -310,15 +311,23 @@ bool Connection::Select(const SqlText& sql, Recordset& rows) {
   if (!Prepare(rows.Query, pattern)) return false;
   KeptStatement statement{rows, {}};
   if (!ExecWith(sql, statement)) return false;
+  Keep(pattern, statement);
+  return true;
+}
+
+/// Bounded, for statements hold their values: a till that has once seen a sale of thousands of lines goes on for weeks.
+void Connection::Keep(const QString& pattern, const KeptStatement& statement) {
   constexpr int kMostKept = 200;
+  constexpr std::size_t kMostValues = 2000;
+  if (statement.Values.size() > kMostValues) return;
   if (m_kept.size() >= kMostKept) m_kept.clear();
   m_kept.insert(pattern, statement);
-  return true;
 }
 
 /// Most values are as they were: rule after rule asks for the same lines.
 bool Connection::ExecWith(const SqlText& sql, KeptStatement& statement) {
-  std::vector<std::string>& bound = statement.Values;
+  // Short of memory in the middle, nothing is known of what is bound, and the next run binds all.
+  std::vector<std::string> bound = std::move(statement.Values);
   bound.resize(sql.Values().size(), kUnbound);
   for (std::size_t place = 0; place < bound.size(); ++place) {
     const Text value = sql.Values()[place];
@@ -326,6 +335,7 @@ bool Connection::ExecWith(const SqlText& sql, KeptStatement& statement) {
     statement.Rows.Query.bindValue(static_cast<int>(place), SqlText::ValueOf(value));
     bound[place] = value;
   }
+  statement.Values = std::move(bound);
   return ExecPrepared(statement.Rows.Query);
 }
 

@@ -143,6 +143,7 @@ class Connection {
   void Close();
   void LetGo();
   bool ExecWith(const SqlText& sql, KeptStatement& statement);
+  void Keep(const QString& pattern, const KeptStatement& statement);
   bool BeginReading();
   bool EndReading() noexcept;
 
