@@ -5,13 +5,12 @@
 
 #include <cerrno>
 
-#include "log/SizeRule.h"
-
 namespace Corvane {
 
 namespace {
 
 constexpr const char* kFileName = "QnCorvane.txt";
+constexpr off_t kLargestSize = 1000000;
 
 /// Makes a system call again for as long as a signal breaks it off.
 template <class Call>
@@ -33,24 +32,32 @@ bool MayStayOpen(int descriptor, const struct stat& state) {
   return S_ISREG(state.st_mode) && descriptor > STDERR_FILENO;
 }
 
-void WriteAll(int file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = Uninterrupted([&] { return write(file, bytes.data(), bytes.size()); });
-    if (written <= 0) return;
-    bytes.remove_prefix(static_cast<std::size_t>(written));
+/// @return how much got in.
+std::size_t WriteAll(int file, std::string_view bytes) {
+  std::size_t done = 0;
+  while (done < bytes.size()) {
+    const ssize_t written = Uninterrupted([&] { return write(file, bytes.data() + done, bytes.size() - done); });
+    if (written <= 0) break;
+    done += static_cast<std::size_t>(written);
   }
+  return done;
 }
 
 /// @param size the file's size before the first entry.
 void WriteUnderSizeRule(int file, off_t size, std::string_view entries, const std::vector<std::size_t>& ends) {
-  const SizeRule rule(size, ends);
-  if (!rule.StartsAnew) {
-    WriteAll(file, entries);
-  } else if (Uninterrupted([&] { return ftruncate(file, 0); }) == 0) {
-    WriteAll(file, entries.substr(rule.LastStart));
-  } else {
-    WriteAll(file, entries.substr(0, rule.FirstStart));  // no entry from there on gets in
+  std::size_t written = 0;  // up to here; behind it, what waits
+  std::size_t begin = 0;    // of the entry
+  for (const std::size_t end : ends) {
+    if (size + static_cast<off_t>(begin - written) > kLargestSize) {
+      size += static_cast<off_t>(WriteAll(file, entries.substr(written, begin - written)));
+      // On a full disk the file isn't as long as that, and nothing more gets in.
+      if (size <= kLargestSize || Uninterrupted([&] { return ftruncate(file, 0); }) != 0) return;
+      size = 0;
+      written = begin;
+    }
+    begin = end;
   }
+  WriteAll(file, entries.substr(written));
 }
 
 }  // namespace

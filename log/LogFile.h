@@ -19,8 +19,8 @@ class LogFile {
   LogFile& operator=(const LogFile&) = delete;
   ~LogFile() { Close(); }
 
-  /// Appends entries under the size rule (log/SizeRule.h), to the bytes that one append for each would leave. What
-  /// can't be written, whatever the cause, is lost; the next append tries again.
+  /// Appends entries, to the bytes that one append for each would leave: one that finds the file longer than 1000000
+  /// bytes starts it anew. What can't be written, whatever the cause, is lost; the next append tries again.
   ///
   /// @param ends where each entry ends in `entries`, the last one at its end.
   void Append(std::string_view entries, const std::vector<std::size_t>& ends) noexcept;
