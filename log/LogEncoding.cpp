@@ -3,19 +3,28 @@
 #include <iconv.h>
 
 #include <QTextCodec>
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <stdexcept>
-#include <string_view>
 
 #include "log/Utf8.h"
 
 namespace Corvane {
 
 namespace {
+
+/// Qt counts in 32 bits.
+constexpr std::size_t kLongest = std::numeric_limits<int>::max();
+
+std::size_t LengthOf(std::initializer_list<std::string_view> pieces) {
+  std::size_t length = 0;
+  for (const std::string_view piece : pieces) length += piece.size();
+  return length;
+}
 
 constexpr int kUtf8 = 106;  // its number in IANA's list of character sets
 
@@ -70,14 +79,15 @@ QByteArray LogEncoding::Encoded(const QString& text) {
   return codec->fromUnicode(text);
 }
 
-void LogEncoding::Encode(std::string& text, std::size_t begin) {
-  const std::string_view utf8 = std::string_view(text).substr(begin);
-  // Qt counts in 32 bits.
-  if (utf8.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) throw std::length_error("log entry");
-  if (IsUtf8() && ComesThroughUnchanged(utf8)) return;
-  const QByteArray encoded = Encoded(QString::fromUtf8(utf8.data(), static_cast<int>(utf8.size())));
-  text.resize(begin);
-  text.append(encoded.constData(), static_cast<std::size_t>(encoded.size()));
+QByteArray LogEncoding::Encoded(std::initializer_list<std::string_view> pieces) {
+  if (LengthOf(pieces) > kLongest) throw std::length_error("log entry");
+  std::string utf8;
+  for (const std::string_view piece : pieces) utf8.append(piece);
+  return Encoded(QString::fromUtf8(utf8.data(), static_cast<int>(utf8.size())));
+}
+
+bool LogEncoding::IsEncoded(std::initializer_list<std::string_view> pieces) {
+  return LengthOf(pieces) <= kLongest && IsUtf8() && std::all_of(pieces.begin(), pieces.end(), ComesThroughUnchanged);
 }
 
 bool LogEncoding::IsUtf8() {

@@ -3,8 +3,9 @@
 
 #include <QByteArray>
 #include <QString>
-#include <cstddef>
+#include <initializer_list>
 #include <string>
+#include <string_view>
 
 namespace Corvane {
 
@@ -16,12 +17,15 @@ namespace Corvane {
 /// Qt, in the encoding that was last in use, or in UTF-8 when none was.
 class LogEncoding {
  public:
-  /// A text in the encoding.
+  /// A text in the encoding. @note a codec of the host's makes it, which may log by itself meanwhile.
   QByteArray Encoded(const QString& text);
 
-  /// Brings UTF-8 into the encoding: what stands in `text` from `begin` on. Bytes that are no UTF-8 become U+FFFD, and
-  /// a byte order mark at the front goes. Where nothing is to be done, which is nearly always, it only looks.
-  void Encode(std::string& text, std::size_t begin);
+  /// The same of UTF-8 in pieces that belong together. Bytes that are no UTF-8 become U+FFFD, and a byte order mark at
+  /// the front goes.
+  QByteArray Encoded(std::initializer_list<std::string_view> pieces);
+
+  /// Whether UTF-8 in pieces is its own encoded form, so that nothing is to be done: nearly always.
+  bool IsEncoded(std::initializer_list<std::string_view> pieces);
 
  private:
   bool IsUtf8();

@@ -1,20 +1,30 @@
 #include "log/LogWriter.h"
 
-#include <QByteArray>
-
 #include "log/LogFlush.h"
 
 namespace Corvane {
 
+namespace {
+
+/// @return whether no exception came out, of which a codec of the host's may throw any.
+template <class Step>
+bool Succeeds(const Step& step) noexcept {
+  try {
+    step();
+    return true;
+  } catch (...) {
+    return false;
+  }
+}
+
+}  // namespace
+
 void LogWriter::Add(std::initializer_list<std::string_view> pieces) noexcept {
-  AddEntry([&] { AppendPieces(pieces); });
+  AddEntry([&] { AppendInEncoding(pieces); });
 }
 
 void LogWriter::Add(const QString& text) noexcept {
-  AddEntry([&] {
-    const QByteArray encoded = m_encoding.Encoded(text);
-    m_entries.append(encoded.constData(), static_cast<std::size_t>(encoded.size()));
-  });
+  AddEntry([&] { AppendEncoded(m_encoding.Encoded(text)); });
 }
 
 void LogWriter::Finish() noexcept {
@@ -23,39 +33,41 @@ void LogWriter::Finish() noexcept {
   GiveLargeRoomBack();
 }
 
-template <class AppendText>
-void LogWriter::AddEntry(AppendText appendText) noexcept {
-  if (!TryEntry(appendText) && !m_ends.empty()) {
+template <class Step>
+void LogWriter::AddEntry(Step append) noexcept {
+  if (!Succeeds(append) && !m_ends.empty()) {
     HandOver();  // the room of the entries before it may be enough
-    TryEntry(appendText);
+    Succeeds(append);
   }
   if (CurrentLogFlush() == LogFlush::Entry || m_entries.size() > MostGathered) HandOver();
 }
 
-/// @return whether there was memory for it; without, nothing of it is left behind.
-template <class AppendText>
-bool LogWriter::TryEntry(AppendText appendText) noexcept {
-  const std::size_t begin = m_entries.size();
-  try {
-    m_entries.append(m_time.Now()).append("  ");
-    appendText();
-    m_entries.append("\n\r");
-    m_ends.push_back(m_entries.size());
-    return true;
-  } catch (...) {  // from Qt's codec, which may be the host's own, anything
-    m_entries.resize(begin);
-    return false;
+/// The text is made before its entry begins: a codec that logs by itself puts its entries in front.
+void LogWriter::AppendInEncoding(std::initializer_list<std::string_view> pieces) {
+  if (m_encoding.IsEncoded(pieces)) {
+    Append(pieces);
+  } else {
+    AppendEncoded(m_encoding.Encoded(pieces));
   }
 }
 
-void LogWriter::AppendPieces(std::initializer_list<std::string_view> pieces) {
-  constexpr std::size_t kEndOfEntry = 2;
-  const std::size_t begin = m_entries.size();
-  std::size_t length = 0;
+void LogWriter::AppendEncoded(const QByteArray& text) {
+  Append({std::string_view(text.constData(), static_cast<std::size_t>(text.size()))});
+}
+
+/// One entry. An exception leaves nothing of it behind.
+void LogWriter::Append(std::initializer_list<std::string_view> pieces) {
+  constexpr std::string_view kBlanks = "  ";
+  constexpr std::string_view kEnd = "\n\r";
+  const std::string_view time = m_time.Now();
+  std::size_t length = time.size() + kBlanks.size() + kEnd.size();
   for (const std::string_view piece : pieces) length += piece.size();
-  m_entries.reserve(begin + length + kEndOfEntry);
+  const std::size_t end = m_entries.size() + length;
+  m_entries.reserve(end);
+  m_ends.push_back(end);
+  m_entries.append(time).append(kBlanks);
   for (const std::string_view piece : pieces) m_entries.append(piece);
-  m_encoding.Encode(m_entries, begin);
+  m_entries.append(kEnd);
 }
 
 void LogWriter::HandOver() noexcept {

@@ -1,6 +1,7 @@
 #ifndef QNCORVANE_LOG_LOGWRITER_H
 #define QNCORVANE_LOG_LOGWRITER_H
 
+#include <QByteArray>
 #include <QString>
 #include <cstddef>
 #include <initializer_list>
@@ -31,11 +32,11 @@ class LogWriter {
   void Finish() noexcept;
 
  private:
-  template <class AppendText>
-  void AddEntry(AppendText appendText) noexcept;
-  template <class AppendText>
-  bool TryEntry(AppendText appendText) noexcept;
-  void AppendPieces(std::initializer_list<std::string_view> pieces);
+  template <class Step>
+  void AddEntry(Step append) noexcept;
+  void AppendInEncoding(std::initializer_list<std::string_view> pieces);
+  void AppendEncoded(const QByteArray& text);
+  void Append(std::initializer_list<std::string_view> pieces);
   void HandOver() noexcept;
   void GiveLargeRoomBack() noexcept;
 

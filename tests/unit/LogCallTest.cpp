@@ -11,6 +11,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QTextCodec>
 #include <algorithm>
 #include <cstddef>
 #include <filesystem>
@@ -517,6 +521,40 @@ TEST_P(EitherLog, AFileThatCanNotBeEmptiedTakesWhatComesBeforeItWouldBe) {
   }
   EXPECT_EQ(m_log.Bytes().substr(999990 + kStamp), "  one\n\r");
   close(memory);
+}
+
+/// Latin-1 of a host that logs by itself while it converts a text with a question mark.
+class LoggingCodec : public QTextCodec {
+ public:
+  QByteArray name() const override { return "x-logging"; }
+  QList<QByteArray> aliases() const override { return {}; }
+  int mibEnum() const override { return -4711; }
+
+ protected:
+  QString convertToUnicode(const char* text, int length, ConverterState* /*state*/) const override {
+    return QString::fromLatin1(text, length);
+  }
+  QByteArray convertFromUnicode(const QChar* text, int length, ConverterState* /*state*/) const override {
+    QByteArray converted = QString(text, length).toLatin1();
+    if (!converted.contains('?')) return converted;
+    Log("asked");
+    return converted.replace('?', '!');
+  }
+};
+
+TEST_P(EitherLog, AnEntryThatAHostsCodecMakesInTheMiddleOfAnotherComesBeforeIt) {
+  LoggingCodec codec;
+  QTextCodec* const usual = QTextCodec::codecForLocale();
+  QTextCodec::setCodecForLocale(&codec);
+  {
+    const LogCall call;
+    Log("one");
+    Log("two?");
+    Log(QStringLiteral("three?"));
+    Log("four");
+  }
+  QTextCodec::setCodecForLocale(usual);
+  EXPECT_EQ(Logged(), (Entries{"one", "asked", "two!", "asked", "three!", "four"}));
 }
 
 /// Lets the files of this process grow to so many bytes, as on a disk that is full then.
