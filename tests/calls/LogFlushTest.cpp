@@ -187,7 +187,12 @@ TEST_P(LogFlushOfEither, NoneIsLostWhileAnotherProcessMovesTheFile) {
     TakeLog();
     {
       const LogMover mover;
-      for (int sale = 0; sale < 300; ++sale) EXPECT_EQ(Sell("sale" + std::to_string(sale)).Code, 0);
+      for (int sale = 0; sale < 300; ++sale) {
+        EXPECT_EQ(Sell("sale" + std::to_string(sale)).Code, 0);
+        if (sale % 50 == 0) {
+          ASSERT_TRUE(mover.HasMovedAll());
+        }
+      }
     }
     std::string all;
     int files = 0;

@@ -16,7 +16,6 @@ class LogMover {
  public:
   LogMover() : m_child(fork()) {
     if (m_child != 0) return;
-    constexpr const char* kLog = "QnCorvane.txt";
     for (int number = 0;; ++number) {
       const std::string name = "moved-" + std::to_string(number);
       if (number % 2 == 0) {
@@ -35,7 +34,20 @@ class LogMover {
   LogMover(const LogMover&) = delete;
   LogMover& operator=(const LogMover&) = delete;
 
+  /// Waits until there is no log: on a busy machine the other process has its turn late.
+  bool HasMovedAll() const {
+    constexpr int kMostLooks = 20000;
+    constexpr useconds_t kPause = 500;
+    for (int look = 0; look < kMostLooks; ++look) {
+      if (access(kLog, F_OK) != 0) return true;
+      usleep(kPause);
+    }
+    return false;
+  }
+
  private:
+  static constexpr const char* kLog = "QnCorvane.txt";
+
   pid_t m_child;
 };
 
