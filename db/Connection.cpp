@@ -300,12 +300,14 @@ bool Connection::Select(const SqlText& sql, Recordset& rows) {
   const QString pattern = sql.Pattern();
   const auto kept = m_kept.find(pattern);
   if (kept != m_kept.end()) {
-    rows = kept->Rows;
-    if (ExecWith(sql, *kept)) return true;
+    // A table that is gone is missed when a statement is prepared, or only when it runs, where the connection has not
+    // heard of it yet: the reasons differ, and support knows both. The first statement of a call meets either case.
+    if (!isFirst) {
+      rows = kept->Rows;
+      if (ExecWith(sql, *kept)) return true;
+    }
     m_kept.erase(kept);
-    // A table that somebody changed is missed by the first statement when it runs, by every other when it is prepared:
-    // the reasons differ, and support knows both.
-    if (isFirst || Use.IsOver()) return false;
+    if (Use.IsOver()) return false;
   }
   rows = {NewQuery()};
   if (!Prepare(rows.Query, pattern)) return false;

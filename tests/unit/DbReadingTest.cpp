@@ -88,6 +88,24 @@ TEST_F(Reading, ATableThatWentAndCameIsReadAgain) {
   EXPECT_EQ(Ask("1"), Values{"one"});
 }
 
+/// A connection hears of a change with its next statement, whichever that is; from then on what is gone is missed when
+/// a statement is prepared. That this one was prepared long ago makes no difference.
+TEST_F(Reading, ATableThatWentIsMissedInTheSameWordsByAStatementThatWasKept) {
+  ASSERT_TRUE(Office("create table other(b text)"));
+  {
+    const DatabaseCall call(m_till->Shared());
+    EXPECT_EQ(Ask("1"), Values{"one"});
+  }
+  ASSERT_TRUE(Office("alter table t rename to gone"));
+  {
+    const DatabaseCall call(m_till->Shared());
+    Recordset rows;
+    ASSERT_TRUE(m_till->openRecordset(SqlText(m_till->Dialect(), "select b from other"), rows, m_error));
+  }
+  const DatabaseCall call(m_till->Shared());
+  EXPECT_EQ(Ask("1"), Values{"no such table: t Unable to execute statement"});
+}
+
 TEST_F(Reading, NothingIsWrittenIntoTheMiddleOfACall) {
   {
     const DatabaseCall call(m_till->Shared());
