@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <type_traits>
 #include <vector>
@@ -106,15 +107,15 @@ class DetailTables {
   /// The lines of a sale, in groups for which one statement each may ask.
   const std::vector<LineCodes>& GroupsOf(ProSale& sale) const { return sale.CodesOfLines(Dialect().LinesAtOnce); }
 
-  /// One statement for a group of lines.
+  /// One statement for a group of several lines, and one more for each line that rows of several types name.
   ///
-  /// @return false when it failed, and when rows or codes leave in doubt which rows are which line's; nothing is
-  ///         appended then, and the lines are to be asked for one by one.
+  /// @return false when it failed, when rows or codes leave in doubt which rows are which line's, and for a single line;
+  ///         nothing is appended then, and the lines are to be asked for one by one.
   template <class Row, std::size_t Size, class Same>
   bool ReadAtOnce(const LineCodes& codes, const SqlText& select, const RowField<Row> (&columns)[Size],
                   DistinctRows<Row, Same>& rows, const SqlText& more = SqlText({})) {
     m_reason.clear();
-    if (!codes.AreDistinctEverywhere()) return false;
+    if (std::next(codes.First) == codes.End || !codes.AreDistinctEverywhere()) return false;
     bool isCertain = true;
     std::vector<NamingRow<Row>> naming;
     const auto take = [&](const Row& row) {
@@ -129,7 +130,13 @@ class DetailTables {
     if (!Take(Sql(select, NamingLines(codes), more), columns, take, look) || !isCertain) return false;
     std::stable_sort(naming.begin(), naming.end(),
                      [](const NamingRow<Row>& left, const NamingRow<Row>& right) { return left.Line < right.Line; });
-    for (const NamingRow<Row>& row : naming) rows.Add(WithHead(row.Itself, rows.Size()));
+    std::vector<Row> inOrder;
+    for (auto first = naming.begin(); first != naming.end();) {
+      const auto end = std::find_if(first, naming.end(), [&](const auto& row) { return row.Line != first->Line; });
+      if (!TakeOfLine(codes.First[first->Line], first, end, select, columns, more, inOrder)) return false;
+      first = end;
+    }
+    for (const Row& row : inOrder) rows.Add(WithHead(row, rows.Size()));
     return true;
   }
 
@@ -156,6 +163,21 @@ class DetailTables {
     return Sql(" and ((PluType='PLU' and ", OneOf("PluCode", codes.Goods.Codes()), ") or (PluType='CAT' and ",
                OneOf("PluCode", codes.Categories.Codes()), ") or (PluType='BRD' and ",
                OneOf("PluCode", codes.Brands.Codes()), "))");
+  }
+
+  /// Appends the rows of one line to `taken`, as the line's own statement brings them.
+  ///
+  /// @param first,end what the statement for all lines brought for this one. In which order the database finds rows by
+  ///        the goods, by the category and by the brand depends on the road that it takes to them, and that may be
+  ///        another one for many lines. So rows of several types are asked for again, for this line alone.
+  template <class Naming, class Row, std::size_t Size>
+  bool TakeOfLine(const SalePlu& line, Naming first, Naming end, const SqlText& select,
+                  const RowField<Row> (&columns)[Size], const SqlText& more, std::vector<Row>& taken) {
+    const auto isOfType = [&](const auto& row) { return Same(row.Itself.PluType, first->Itself.PluType); };
+    const auto take = [&](const Row& row) { taken.push_back(row); };
+    if (!std::all_of(first, end, isOfType)) return Take(Sql(select, NamingLine(line), more), columns, take);
+    std::for_each(first, end, [&](const auto& row) { take(row.Itself); });
+    return true;
   }
 
   /// Hands over the rows of a statement when all are there.
