@@ -72,8 +72,8 @@ void SqlText::Append(const SqlDialect& dialect, const OneOf& condition) {
     AppendValue(value < values.size() ? values[value] : values.back());
   }
   if (dialect.KeepsStatements && size <= kMostComparisons) {
-    // No constant, and equal to nothing.
-    m_words += Join(",nullif(", condition.Column, ",", condition.Column, ")");
+    // No constant, equal to nothing, and of no column: an index on the column serves as it does for one value.
+    m_words += ",changes()+null";
   }
   m_words += ')';
 }

@@ -8,7 +8,10 @@ using bothways::Comparison;
 using Corvane::CodeIndex;
 using Corvane::DatabaseCall;
 using Corvane::LineCodes;
+using Corvane::OneOf;
+using Corvane::ProSale;
 using Corvane::SalePlu;
+using Corvane::SqlText;
 
 namespace {
 
@@ -151,6 +154,24 @@ TEST_P(BothWays, GiveTheSameRowsInTheSameOrderWithAnIndexOnTheCodes) {
       EXPECT_GT(comparison.AtOnce, 20);
     }
     ASSERT_TRUE(m_db->excuteSQL(QStringLiteral("drop index i"), m_error));
+  }
+}
+
+/// What SQLite says of its road through t to the goods.
+std::string RoadOf(dbtest::OpenFields& db, const SqlText& condition) {
+  QSqlQuery query;
+  QString error;
+  const SqlText sql(db.Dialect(), "explain query plan select * from t where ", condition);
+  EXPECT_TRUE(db.openRecordset(sql.ToString(), query, error)) << error.toStdString();
+  return query.next() ? query.value(QStringLiteral("detail")).toString().toStdString() : "";
+}
+
+TEST_P(BothWays, AnIndexServesTheCodesOfManyLinesAsItDoesThoseOfOne) {
+  ASSERT_TRUE(m_db->excuteSQL(QStringLiteral("create index i on t(PluCode)"), m_error));
+  for (const std::size_t size : {2U, 3U, 60U, 500U}) {
+    const Codes codes(size, "100101");
+    const SqlText oneOf(m_db->Dialect(), OneOf("PluCode", codes));
+    EXPECT_EQ(RoadOf(*m_db, oneOf), "SEARCH t USING INDEX i (PluCode=?)") << size;
   }
 }
 
