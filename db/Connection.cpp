@@ -297,17 +297,16 @@ bool Connection::Select(const SqlText& sql, Recordset& rows) {
     rows = {NewQuery()};
     return Exec(rows.Query, sql.ToString());
   }
+  // A table that is gone is missed when a statement is prepared, or only when it runs, where the connection has not heard
+  // of it yet: the reasons differ, and support knows both. A statement from before would tell the one for the other.
+  if (isFirst && m_file.WasWritten()) m_kept.clear();
   const QString pattern = sql.Pattern();
   const auto kept = m_kept.find(pattern);
   if (kept != m_kept.end()) {
-    // A table that is gone is missed when a statement is prepared, or only when it runs, where the connection has not
-    // heard of it yet: the reasons differ, and support knows both. The first statement of a call meets either case.
-    if (!isFirst) {
-      rows = kept->Rows;
-      if (ExecWith(sql, *kept)) return true;
-    }
+    rows = kept->Rows;
+    if (ExecWith(sql, *kept)) return true;
     m_kept.erase(kept);
-    if (Use.IsOver()) return false;
+    if (isFirst || Use.IsOver()) return false;
   }
   rows = {NewQuery()};
   if (!Prepare(rows.Query, pattern)) return false;

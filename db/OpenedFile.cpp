@@ -31,4 +31,12 @@ bool OpenedFile::IsOutdated() const {
   return !IsSameFile(now, m_state) || (m_failed && !IsSameContent(now, m_state));
 }
 
+bool OpenedFile::WasWritten() {
+  struct stat now {};
+  if (m_path.isEmpty() || stat(QFile::encodeName(m_path).constData(), &now) != 0) return false;
+  const bool isOther = !IsSameContent(now, m_seen);
+  m_seen = now;
+  return isOther;
+}
+
 }  // namespace Corvane

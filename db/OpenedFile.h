@@ -23,12 +23,17 @@ class OpenedFile {
   /// contents. Asks the system once. A file that is away is not replaced.
   bool IsOutdated() const;
 
+  /// Whether the file has other contents than when this was last asked. Asks the system once. What a write-ahead log
+  /// holds is not seen.
+  bool WasWritten();
+
   /// The path, absolute. Empty without a file.
   const QString& Path() const { return m_path; }
 
  private:
   QString m_path;
   struct stat m_state {};
+  struct stat m_seen {};
   bool m_failed = false;
 };
 

@@ -9,7 +9,6 @@ using Corvane::CodeIndex;
 using Corvane::DatabaseCall;
 using Corvane::LineCodes;
 using Corvane::OneOf;
-using Corvane::ProSale;
 using Corvane::SalePlu;
 using Corvane::SqlText;
 
