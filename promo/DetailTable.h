@@ -107,10 +107,10 @@ class DetailTables {
   /// The lines of a sale, in groups for which one statement each may ask.
   const std::vector<LineCodes>& GroupsOf(ProSale& sale) const { return sale.CodesOfLines(Dialect().LinesAtOnce); }
 
-  /// One statement for a group of several lines, and one more for each line that rows of several types name.
+  /// One statement for a group of several lines; and one for a line of them where the order of rows is in doubt.
   ///
-  /// @return false when it failed, when rows or codes leave in doubt which rows are which line's, and for a single line;
-  ///         nothing is appended then, and the lines are to be asked for one by one.
+  /// @return false when it failed, when it is in doubt which rows are which line's or in which order, and for a single
+  ///         line; nothing is appended then, and the lines are to be asked for one by one.
   template <class Row, std::size_t Size, class Same>
   bool ReadAtOnce(const LineCodes& codes, const SqlText& select, const RowField<Row> (&columns)[Size],
                   DistinctRows<Row, Same>& rows, const SqlText& more = SqlText({})) {
@@ -130,13 +130,8 @@ class DetailTables {
     if (!Take(Sql(select, NamingLines(codes), more), columns, take, look) || !isCertain) return false;
     std::stable_sort(naming.begin(), naming.end(),
                      [](const NamingRow<Row>& left, const NamingRow<Row>& right) { return left.Line < right.Line; });
-    std::vector<Row> inOrder;
-    for (auto first = naming.begin(); first != naming.end();) {
-      const auto end = std::find_if(first, naming.end(), [&](const auto& row) { return row.Line != first->Line; });
-      if (!TakeOfLine(codes.First[first->Line], first, end, select, columns, more, inOrder)) return false;
-      first = end;
-    }
-    for (const Row& row : inOrder) rows.Add(WithHead(row, rows.Size()));
+    if (!IsOrderOfLines(codes, naming, select, columns, more)) return false;
+    for (const NamingRow<Row>& row : naming) rows.Add(WithHead(row.Itself, rows.Size()));
     return true;
   }
 
@@ -165,19 +160,37 @@ class DetailTables {
                OneOf("PluCode", codes.Brands.Codes()), "))");
   }
 
-  /// Appends the rows of one line to `taken`, as the line's own statement brings them.
-  ///
-  /// @param first,end what the statement for all lines brought for this one. In which order the database finds rows by
-  ///        the goods, by the category and by the brand depends on the road that it takes to them, and that may be
-  ///        another one for many lines. So rows of several types are asked for again, for this line alone.
-  template <class Naming, class Row, std::size_t Size>
-  bool TakeOfLine(const SalePlu& line, Naming first, Naming end, const SqlText& select,
-                  const RowField<Row> (&columns)[Size], const SqlText& more, std::vector<Row>& taken) {
-    const auto isOfType = [&](const auto& row) { return Same(row.Itself.PluType, first->Itself.PluType); };
-    const auto take = [&](const Row& row) { taken.push_back(row); };
-    if (!std::all_of(first, end, isOfType)) return Take(Sql(select, NamingLine(line), more), columns, take);
-    std::for_each(first, end, [&](const auto& row) { take(row.Itself); });
-    return true;
+  /// Whether the rows of each line stand in the order in which its own statement brings them. Where a line has rows of
+  /// several types, a database that goes from row to row finds them by their numbers, and one that follows an index on
+  /// the codes finds goods before categories before brands. Which road it takes may depend on the number of codes. So a
+  /// line whose rows tell the roads apart is asked for by itself, and what is seen of it holds for all.
+  template <class Row, std::size_t Size>
+  bool IsOrderOfLines(const LineCodes& codes, const std::vector<NamingRow<Row>>& naming, const SqlText& select,
+                      const RowField<Row> (&columns)[Size], const SqlText& more) {
+    const auto telling = std::adjacent_find(naming.begin(), naming.end(), TellsTheRoad<Row>);
+    if (telling == naming.end()) return true;
+    const auto isOfLine = [&](const NamingRow<Row>& row) { return row.Line == telling->Line; };
+    const auto first = std::find_if(naming.begin(), naming.end(), isOfLine);
+    const auto end = std::find_if_not(first, naming.end(), isOfLine);
+    std::vector<Row> own;
+    const auto take = [&](const Row& row) { own.push_back(row); };
+    return Take(Sql(select, NamingLine(codes.First[telling->Line]), more), columns, take) &&
+           std::equal(first, end, own.begin(), own.end(), [](const NamingRow<Row>& row, const Row& ownRow) {
+             return row.Itself.SerialNo == ownRow.SerialNo && Same(row.Itself.PluType, ownRow.PluType);
+           });
+  }
+
+  /// Whether two neighbours of one line differ in type, and by type or by number the second would stand in front.
+  template <class Row>
+  static bool TellsTheRoad(const NamingRow<Row>& row, const NamingRow<Row>& next) {
+    if (row.Line != next.Line || Same(row.Itself.PluType, next.Itself.PluType)) return false;
+    return RankOf(next.Itself.PluType) < RankOf(row.Itself.PluType) || next.Itself.SerialNo < row.Itself.SerialNo;
+  }
+
+  /// The place of a type in the statement of a line.
+  static int RankOf(Text pluType) {
+    if (Same(pluType, "PLU")) return 0;
+    return Same(pluType, "CAT") ? 1 : 2;
   }
 
   /// Hands over the rows of a statement when all are there.

@@ -30,7 +30,7 @@ std::optional<std::string> EssenceOf(std::string_view code) {
   while (!code.empty()) {
     const auto sign = static_cast<unsigned char>(code.front());
     const std::size_t size = sign < 0x80 ? 1 : 3;
-    if (size == 3 && !BeginsWithHan(code)) return std::nullopt;
+    if (sign == '?' || (size == 3 && !BeginsWithHan(code))) return std::nullopt;
     if (size == 3) essence.append(code.substr(0, size));
     if (IsAsciiLetterOrDigit(sign)) essence += LowerAscii(code.front());
     code.remove_prefix(size);
@@ -49,6 +49,20 @@ bool AreDistinct(const std::vector<Text>& codes) {
   }
   std::sort(essences.begin(), essences.end());
   return std::adjacent_find(essences.begin(), essences.end()) == essences.end();
+}
+
+std::size_t LengthOfCodes(const SalePlu& line) {
+  return std::string_view(OrEmpty(line.PluCode)).size() + std::string_view(OrEmpty(line.CAT)).size() +
+         std::string_view(OrEmpty(line.BRD)).size();
+}
+
+std::size_t EndOfGroup(const std::vector<SalePlu>& lines, std::size_t first, std::size_t most) {
+  constexpr std::size_t kMostLength = 1U << 18U;
+  const std::size_t last = first + std::min(most, lines.size() - first);
+  std::size_t length = LengthOfCodes(lines[first]);
+  std::size_t end = first + 1;
+  while (end < last && length < kMostLength) length += LengthOfCodes(lines[end++]);
+  return end;
 }
 
 }  // namespace
@@ -96,9 +110,10 @@ bool LineCodes::AreDistinctEverywhere() const {
 
 std::vector<LineCodes> CodesOf(const std::vector<SalePlu>& lines, std::size_t most) {
   std::vector<LineCodes> groups;
-  for (std::size_t first = 0; first < lines.size(); first += most) {
-    const std::size_t end = first + std::min(most, lines.size() - first);
+  for (std::size_t first = 0; first < lines.size();) {
+    const std::size_t end = EndOfGroup(lines, first, most);
     groups.emplace_back(lines.data() + first, lines.data() + end);
+    first = end;
   }
   return groups;
 }

@@ -24,7 +24,7 @@ class CodeIndex {
 
   /// Whether every way of comparing texts tells these codes apart. Databases may take two texts for one that differ in
   /// case, accents, blanks, marks or the width of their signs; between others than ASCII letters, digits and the Han
-  /// signs in common use nothing is certain.
+  /// signs in common use nothing is certain, nor of "?", which stands for a sign that a database doesn't know.
   bool AreDistinctEverywhere() const { return m_areDistinctEverywhere; }
 
  private:
@@ -52,7 +52,8 @@ struct LineCodes {
 };
 
 /// The codes of all lines, in groups.
-/// @param most lines of a group, at least 1.
+/// @param most lines of a group, at least 1. A group whose codes fill a quarter of a megabyte ends there: servers refuse
+///             statements that are longer than some such size.
 std::vector<LineCodes> CodesOf(const std::vector<SalePlu>& lines, std::size_t most);
 
 }  // namespace Corvane

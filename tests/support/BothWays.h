@@ -56,11 +56,15 @@ inline std::ostream& operator<<(std::ostream& out, const Seen& seen) {
   return out;
 }
 
+/// Numbers of rows: any, some twice on rows that differ; or counting up, as a table's key has them.
+enum class SerialNumbers { Random, Ascending };
+
 /// Random tables and sales, read in one statement where that is certain and line by line.
 class Comparison {
  public:
   /// @param db open, with a table t(BillNo, SerialNo, PluCode, PluType).
-  Comparison(Corvane::QnPosDBPro& db, Words codes) : m_db(db), m_codes(std::move(codes)) {}
+  Comparison(Corvane::QnPosDBPro& db, Words codes, SerialNumbers numbers = SerialNumbers::Random)
+      : m_db(db), m_codes(std::move(codes)), m_numbers(numbers) {}
 
   void Run(int rounds) {
     for (int round = 0; round < rounds; ++round) {
@@ -77,6 +81,8 @@ class Comparison {
   int LineByLine = 0;  ///< sales that were not certain
 
  private:
+  static constexpr std::size_t kMostRows = 12;
+
   std::size_t Below(std::size_t end) { return std::uniform_int_distribution<std::size_t>(0, end - 1)(m_chance); }
   const char* Code() { return m_codes[Below(m_codes.size())]; }
 
@@ -89,9 +95,8 @@ class Comparison {
     const Corvane::SqlDialect dialect = m_db.Dialect();
     Run(Corvane::SqlText(dialect, "delete from t"));
     constexpr std::array<const char*, 6> kTypes = {"PLU", "PLU", "PLU", "CAT", "BRD", "plu"};
-    for (std::size_t row = Below(12); row > 0; --row) {
-      // Numbers that stand twice, on rows that differ.
-      const std::string number = std::to_string(Below(9));
+    for (std::size_t row = Below(kMostRows); row > 0; --row) {
+      const std::string number = std::to_string(m_numbers == SerialNumbers::Random ? Below(9) : kMostRows - row);
       Run(Corvane::SqlText(dialect, "insert into t(BillNo, SerialNo, PluCode, PluType) values ('R',",
                            Corvane::Quoted{number.c_str()}, ",", Corvane::Quoted{Code()}, ",",
                            Corvane::Quoted{kTypes[Below(kTypes.size())]}, ")"));
@@ -151,6 +156,7 @@ class Comparison {
 
   Corvane::QnPosDBPro& m_db;
   Words m_codes;
+  SerialNumbers m_numbers;
   std::mt19937 m_chance{20261121};  // NOLINT(cert-msc51-cpp): the same tables and sales in every run
 };
 

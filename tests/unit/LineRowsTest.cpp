@@ -80,7 +80,8 @@ TEST(LineCodes, CaseBlanksAndMarksAreNoDifference) {
 }
 
 TEST(LineCodes, OfOtherSignsNothingIsCertain) {
-  for (const char* code : {"é", "１", "ａ", "😀", "ß", "\u2003", "㐀", "\u9FA6", "\xE4\xB8", "\xFF", "\xE4\x41\x42"}) {
+  for (const char* code :
+       {"é", "?", "１", "ａ", "😀", "ß", "\u2003", "㐀", "\u9FA6", "\xE4\xB8", "\xFF", "\xE4\x41\x42"}) {
     EXPECT_FALSE(AreDistinctEverywhere({code, "100101"})) << code;
   }
 }
@@ -95,6 +96,16 @@ TEST(LineCodes, LinesStandInGroups) {
   EXPECT_EQ(groups[2].End, lines.data() + 5);
   EXPECT_EQ(groups[1].Goods.FirstLine("4"), 1U);
   EXPECT_TRUE(Corvane::CodesOf({}, 2).empty());
+}
+
+TEST(LineCodes, AGroupOfLongCodesEndsEarly) {
+  const std::string tenth(1U << 15U, 'A');
+  std::vector<SalePlu> lines(20);
+  for (SalePlu& line : lines) line.CAT = tenth.c_str();
+  const std::vector<LineCodes> groups = Corvane::CodesOf(lines, 8000);
+  ASSERT_EQ(groups.size(), 3U);
+  EXPECT_EQ(groups[0].End - groups[0].First, 8);
+  EXPECT_EQ(groups[2].End, lines.data() + 20);
 }
 
 // --- Both ways --------------------------------------------------------------------------------------------------------
@@ -148,8 +159,8 @@ TEST_P(BothWays, GiveTheSameRowsInTheSameOrderWithAnIndexOnTheCodes) {
     ASSERT_TRUE(m_db->excuteSQL(index, m_error));
     {
       const DatabaseCall call(m_db->Shared());
-      Comparison comparison(*m_db, bothways::Ordinary());
-      comparison.Run(200);
+      Comparison comparison(*m_db, bothways::Ordinary(), bothways::SerialNumbers::Ascending);
+      comparison.Run(300);
       EXPECT_GT(comparison.AtOnce, 20);
     }
     ASSERT_TRUE(m_db->excuteSQL(QStringLiteral("drop index i"), m_error));
