@@ -72,6 +72,18 @@ class LogFlushCalls : public FreshTill {
                                        "促销优惠类型：", "促销类型：PTXS", "计算整单已优惠数量：0", "2",          //
                                        "促销优惠类型：", "促销类型：PTXS", "计算整单已优惠数量：0"));
   }
+};
+
+/// How often the process writes. UndefinedBehaviorSanitizer writes, too: it looks through a pipe whether memory may be
+/// read.
+class LogFlushWrites : public LogFlushCalls {
+ protected:
+  void SetUp() override {
+    LogFlushCalls::SetUp();
+#ifdef QNCORVANE_SANITIZES_UNDEFINED
+    GTEST_SKIP() << "the sanitizer writes itself";
+#endif
+  }
   /// How often a sale writes, which has 19 entries.
   static long WritesOfASale() {
     LoadCola();
@@ -93,17 +105,17 @@ class LogFlushCalls : public FreshTill {
   }
 };
 
-TEST_F(LogFlushCalls, OfACallWritesOnce) {
+TEST_F(LogFlushWrites, OfACallWritesOnce) {
   Configure("Flush=call\n");
   InFreshProcess([] { EXPECT_EQ(WritesOfASale(), 1); });
 }
 
-TEST_F(LogFlushCalls, OfAnEntryWritesEachByItself) {
+TEST_F(LogFlushWrites, OfAnEntryWritesEachByItself) {
   Configure("Flush=entry\n");
   InFreshProcess([] { EXPECT_EQ(WritesOfASale(), 19); });
 }
 
-TEST_F(LogFlushCalls, IsOfAnEntryUnlessTold) {
+TEST_F(LogFlushWrites, IsOfAnEntryUnlessTold) {
   Configure("");
   InFreshProcess([] { EXPECT_EQ(WritesOfASale(), 19); });
 }
@@ -143,7 +155,7 @@ TEST_F(LogFlushCalls, OfACallIsThereAfterCallsThatFail) {
   });
 }
 
-TEST_F(LogFlushCalls, ThatComeLateWithTheirFileAreFound) {
+TEST_F(LogFlushWrites, ThatComeLateWithTheirFileAreFound) {
   InFreshProcess([] {
     EXPECT_EQ(BeginInitPro(), -1);
     FinishInitPro();
