@@ -32,7 +32,10 @@ void SetOdbcQueryTimeout(const QSqlDatabase& connection, int seconds) {
   const SetConnectAttribute set = FindSetConnectAttribute();
   if (set == nullptr) return;
   void* const odbc = *static_cast<void* const*>(handle.constData());
-  set(odbc, kQueryTimeout, reinterpret_cast<void*>(static_cast<std::intptr_t>(seconds)), kIsUnsigned);
+  // ODBC takes a number in the place of an address.
+  auto* const value =
+      reinterpret_cast<void*>(static_cast<std::intptr_t>(seconds));  // NOLINT(performance-no-int-to-ptr)
+  set(odbc, kQueryTimeout, value, kIsUnsigned);
 }
 
 }  // namespace Corvane

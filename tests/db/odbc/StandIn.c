@@ -2,7 +2,6 @@
  * leaves as they are, three excepted. It takes the way in which SQL Server and Access ask for one row; it notes the
  * timeouts that reach a driver in the file that QNCORVANE_ODBC_NOTES names; and for a statement that holds
  * "stand-in silence" it keeps silent for as long as a driver may, a minute without a query timeout. */
-#define _GNU_SOURCE
 #include <dlfcn.h>
 #include <stdio.h>
 #include <stdlib.h>
