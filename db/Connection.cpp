@@ -361,13 +361,13 @@ bool Connection::BeginReading() {
 }
 
 /// Nothing was written: a transaction that can't be committed is as well given up.
-bool Connection::EndReading() noexcept {
-  return Guarded([&] {
+void Connection::EndReading() noexcept {
+  Guarded([&] {
     if (!m_isReading || !IsOpen()) return true;
     // A statement that was broken off holds the file.
     for (KeptStatement& statement : m_kept) statement.Rows.Query.finish();
     m_isReading = !Db->commit() && !Db->rollback();
-    return !m_isReading;
+    return true;
   });
 }
 

@@ -145,7 +145,7 @@ class Connection {
   bool ExecWith(const SqlText& sql, KeptStatement& statement);
   void Keep(const QString& pattern, const KeptStatement& statement);
   bool BeginReading();
-  bool EndReading() noexcept;
+  void EndReading() noexcept;
 
   ConnectionHealth m_health{false};
   ConnectionHealth::Clock::time_point m_started;

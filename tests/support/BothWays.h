@@ -66,11 +66,12 @@ class Comparison {
   Comparison(Corvane::QnPosDBPro& db, Words codes, SerialNumbers numbers = SerialNumbers::Random)
       : m_db(db), m_codes(std::move(codes)), m_numbers(numbers) {}
 
-  void Run(int rounds) {
+  /// @param lines of each sale; 0 for one to four.
+  void Run(int rounds, std::size_t lines = 0) {
     for (int round = 0; round < rounds; ++round) {
-      FillTable();
+      FillTable(lines == 0 ? Below(kMostRows) : kRowsForManyLines);
       Corvane::ProSale sale;
-      FillSale(sale);
+      FillSale(sale, lines == 0 ? 1 + Below(4) : lines);
       const Seen lineByLine = ReadLineByLine(sale);
       EXPECT_EQ(ReadOfLines(sale), lineByLine) << "round " << round;
       CountWays(sale);
@@ -82,6 +83,7 @@ class Comparison {
 
  private:
   static constexpr std::size_t kMostRows = 12;
+  static constexpr std::size_t kRowsForManyLines = 300;
 
   std::size_t Below(std::size_t end) { return std::uniform_int_distribution<std::size_t>(0, end - 1)(m_chance); }
   const char* Code() { return m_codes[Below(m_codes.size())]; }
@@ -91,20 +93,20 @@ class Comparison {
     ASSERT_TRUE(m_db.excuteSQL(sql.ToString(), error)) << error.toStdString();
   }
 
-  void FillTable() {
+  void FillTable(std::size_t rows) {
     const Corvane::SqlDialect dialect = m_db.Dialect();
     Run(Corvane::SqlText(dialect, "delete from t"));
     constexpr std::array<const char*, 6> kTypes = {"PLU", "PLU", "PLU", "CAT", "BRD", "plu"};
-    for (std::size_t row = Below(kMostRows); row > 0; --row) {
-      const std::string number = std::to_string(m_numbers == SerialNumbers::Random ? Below(9) : kMostRows - row);
+    for (std::size_t row = rows; row > 0; --row) {
+      const std::string number = std::to_string(m_numbers == SerialNumbers::Random ? Below(rows) : kMostRows - row);
       Run(Corvane::SqlText(dialect, "insert into t(BillNo, SerialNo, PluCode, PluType) values ('R',",
                            Corvane::Quoted{number.c_str()}, ",", Corvane::Quoted{Code()}, ",",
                            Corvane::Quoted{kTypes[Below(kTypes.size())]}, ")"));
     }
   }
 
-  void FillSale(Corvane::ProSale& sale) {
-    for (std::size_t line = 1 + Below(4); line > 0; --line) {
+  void FillSale(Corvane::ProSale& sale, std::size_t lines) {
+    for (std::size_t line = lines; line > 0; --line) {
       Corvane::SalePlu& plu = sale.Plus.emplace_back();
       plu.PluCode = Code();
       plu.CAT = Code();

@@ -151,6 +151,19 @@ TEST_P(BothWays, GiveTheSameRowsForCodesThatAreNumbers) {
   EXPECT_EQ(comparison.AtOnce > 30, !holdsNumbers);
 }
 
+/// Lists that SQLite makes tables of, statements that are not kept, and sales that are asked for in two groups.
+TEST_P(BothWays, GiveTheSameRowsForLongSales) {
+  std::vector<std::string> texts(3000);
+  for (std::size_t code = 0; code < texts.size(); ++code) texts[code] = "C" + std::to_string(code);
+  bothways::Words codes;
+  codes.reserve(texts.size());
+  for (const std::string& text : texts) codes.push_back(text.c_str());
+  const DatabaseCall call(m_db->Shared());
+  Comparison comparison(*m_db, codes);
+  for (const std::size_t lines : {100U, 1500U, 8200U}) comparison.Run(1, lines);
+  EXPECT_GT(comparison.AtOnce, 0);
+}
+
 /// SQLite follows an index from goods to category to brand, where it goes from row to row without one; and for many
 /// codes it leaves an index aside that it takes for few.
 TEST_P(BothWays, GiveTheSameRowsInTheSameOrderWithAnIndexOnTheCodes) {
