@@ -4,10 +4,13 @@
 # shellcheck disable=SC2034  # ./dev and scripts/compare.sh name these
 {
   packages_build=(g++ cmake ninja-build pkg-config qtbase5-dev libqt5sql5-sqlite libtinyxml-dev sqlite3)
-  packages_test=(libgtest-dev libgmock-dev libsqlite3-dev python3 binutils locales)
+  packages_test=(libgtest-dev libgmock-dev libsqlite3-dev python3 python3-clang-14 binutils locales)
   packages_servers=(mariadb-server libqt5sql5-mysql libqt5sql5-odbc unixodbc libsqliteodbc odbc-mdbtools)
   packages_format=(clang-format)
-  packages_lint=(clang clang-tidy clang-format libclang-rt-14-dev shellcheck)
+  packages_clang=(clang libclang-rt-14-dev)
+  packages_lint=("${packages_clang[@]}" clang-tidy clang-format shellcheck)
+  packages_fuzz=("${packages_clang[@]}")
+  packages_coverage=("${packages_clang[@]}" llvm)
   packages_bench=(libsqlite3-dev python3 mariadb-server libqt5sql5-mysql)
   packages_count=(valgrind libsqlite3-dev python3)
 }

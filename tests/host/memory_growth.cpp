@@ -1,6 +1,6 @@
 // Whole tills, one after the other, each with numbers of its own, and what they leave in memory.
 //
-//   soak [SALES]
+//   memory_growth [SALES]
 //
 // Runs in a copy of the sample store. Scans the lines of a sale, takes it through all modes and deletes it; SALES
 // times, 1,000,000 unless told. Exits with 0 when the memory that the process holds after all sales is within 2 % of
@@ -26,7 +26,7 @@ std::vector<char> g_out(1U << 20U);
 std::array<char, 65536> g_msg{};
 
 [[noreturn]] void Fail(const std::string& what) {
-  std::fprintf(stderr, "soak: %s: %s\n", what.c_str(), g_msg.data());
+  std::fprintf(stderr, "memory_growth: %s: %s\n", what.c_str(), g_msg.data());
   std::exit(1);
 }
 
@@ -115,7 +115,7 @@ long Resident() {
 int main(int argc, char** argv) {
   const long sales = argc > 1 ? std::strtol(argv[1], nullptr, 10) : 1000000;
   if (sales < 10) {
-    std::fprintf(stderr, "soak [SALES]: at least 10\n");
+    std::fprintf(stderr, "memory_growth [SALES]: at least 10\n");
     return 2;
   }
   LoadRules();
