@@ -202,8 +202,11 @@ class TextPreparation {
     while (SkipBlanks(), !AtEnd()) {
       if (*m_next == '>') {
         ++m_next;
-        if (!m_encodingKnown) m_utf8 = m_utf8 || NamesUtf8(encoding);
-        m_encodingKnown = true;
+        // One within an element tells TinyXML nothing.
+        if (m_depth == 0 && !m_encodingKnown) {
+          m_utf8 = m_utf8 || NamesUtf8(encoding);
+          m_encodingKnown = true;
+        }
         return true;
       }
       const bool isEncoding = StartsWithIgnoringCase("encoding");
@@ -214,9 +217,10 @@ class TextPreparation {
       std::string_view name;
       std::string_view value;
       if (!Attribute(name, value)) return false;
+      if (!isEncoding) continue;
       // A name that is spelled in references would be another one to TinyXML than here.
       if (value.find('&') != std::string_view::npos) return CutHere();
-      if (isEncoding) encoding = value;
+      encoding = value;
     }
     return false;
   }

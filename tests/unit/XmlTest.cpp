@@ -349,6 +349,7 @@ TEST(XmlAsides, BeforeTheRootAreSteppedOver) {
                          "<?XML VERSION='1.0'?>",
                          "<?xml ?>",
                          "<?xml version='>'?>",
+                         "<?xml version='&quot;' encoding='UTF-8'?>",
                          "<?xml version='1.0'?><!-- ' -->",
                          "<!DOCTYPE Sale>",
                          "\n\t ",
@@ -378,6 +379,11 @@ TEST(XmlNesting, ThatNeverEndsIsReadToo) {
   std::string text;
   for (int level = 0; level < 200000; ++level) text += "<L a='1'>";
   EXPECT_EQ(DepthOf(*Parse(text)), 200);
+}
+
+TEST(XmlNesting, CannotHideBehindADeclarationWithinAnElement) {
+  const auto document = Parse("<S><?xml version='1.0' encoding='UTF-8'?><D a='\xE4'>" + Nested(100000) + "'/></S>");
+  EXPECT_LE(DepthOf(*document), XmlDocument::kMaxDepth);
 }
 
 TEST(XmlNesting, LeavesWhatStandsBeforeIt) {
