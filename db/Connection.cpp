@@ -1,11 +1,14 @@
 #include "db/Connection.h"
 
+#include <unistd.h>
+
 #include <QCoreApplication>
 #include <QSqlDriver>
 #include <QVariant>
 #include <chrono>
 #include <utility>
 
+#include "base/NeverDestroyed.h"
 #include "db/ConnectionFile.h"
 #include "db/DriverFile.h"
 #include "db/HostDirectory.h"
@@ -37,15 +40,29 @@ QString FirstFreeName() {
   return pattern.arg(number);
 }
 
+/// A new connection in Qt's list. Qt looks for its drivers once, and when want of memory broke that off, it never comes to
+/// it again: the driver's file is loaded without it then.
+QSqlDatabase NewDatabase(const QString& driver, const QString& name) {
+  try {
+    return QSqlDatabase::addDatabase(driver, name);
+  } catch (...) {
+    QSqlDriver* const loaded = LoadDriverFile(driver);
+    if (loaded == nullptr) throw;
+    return QSqlDatabase::addDatabase(loaded, name);
+  }
+}
+
 }  // namespace
 
 Connection::Connection() {
   if (!ProcessEnd::HasCome()) Settings = ReadSettings();
 }
 
-bool Connection::HasDriver() const { return !ProcessEnd::HasCome() && Db && Db->isValid(); }
+bool Connection::HasDriver() const { return !ProcessEnd::HasCome() && Db && !IsInherited() && Db->isValid(); }
 
-bool Connection::IsOpen() const { return !ProcessEnd::HasCome() && Db && Db->isOpen(); }
+bool Connection::IsOpen() const { return HasDriver() && Db->isOpen(); }
+
+bool Connection::IsInherited() const { return m_maker != getpid(); }
 
 bool Connection::IsUsable() const { return !Use.IsOver() && IsOpen(); }
 
@@ -76,6 +93,7 @@ bool Connection::EnsureOpen(QString& error) {
 }
 
 bool Connection::MakeOpen(QString& reason) {
+  if (Db && IsInherited()) LeaveToItsProcess();
   if (!HasDriverOrHope()) TryDriverAgain();
   if (Settings.DbType.isEmpty()) {
     reason = Translated("未设置数据库类型");
@@ -147,13 +165,24 @@ bool Connection::WasLost(QString& reason) {
   return true;
 }
 
+/// This process was forked from the one that made the connection. To close it, or to end a statement on it, would be told
+/// to the server, whose other end is that process; so both stay as they are, until this process is gone.
+void Connection::LeaveToItsProcess() {
+  static NeverDestroyed<std::vector<QHash<QString, KeptStatement>>> statements;
+  statements->push_back(m_kept);
+  m_kept = {};
+  Db = nullptr;  // ProcessEnd holds it, too
+  SetKind(DbTypeUpper);
+}
+
 void Connection::SetKind(const QString& type) {
   DbTypeUpper = type.toUpper();
   const QString driver = DriverOf(DbTypeUpper);
   if (driver.isEmpty() || ProcessEnd::HasCome()) return;
   LetGo();
   ConnName = FirstFreeName();
-  Db = std::make_shared<QSqlDatabase>(QSqlDatabase::addDatabase(driver, ConnName));
+  Db = std::make_shared<QSqlDatabase>(NewDatabase(driver, ConnName));
+  m_maker = getpid();
   m_health = ConnectionHealth(IsRemote(DbTypeUpper));
   m_file.Forget();
   m_isSilent = false;
@@ -165,6 +194,7 @@ bool Connection::Open(const QString& server, const QString& database, QString& e
   return Guarded(error, [&] {
     OpenName = database;
     if (!Db || ProcessEnd::HasCome()) return false;
+    if (IsInherited()) LeaveToItsProcess();
     return OpenByKind(server, database, error, user, password, port);
   });
 }

@@ -1,6 +1,8 @@
 #ifndef QNCORVANE_DB_CONNECTION_H
 #define QNCORVANE_DB_CONNECTION_H
 
+#include <sys/types.h>
+
 #include <QDateTime>
 #include <QHash>
 #include <QSqlDatabase>
@@ -25,6 +27,9 @@ namespace Corvane {
 /// What all copies of a `QnPosDBPro` share: the settings, the connection once there is one, and what is known of it.
 ///
 /// No operation touches Qt's databases or settings after the end of the process has come; all of them fail then.
+///
+/// A connection belongs to the process that made it: in one that was forked from that, the next open makes another, and
+/// the inherited one is never touched again.
 class Connection {
  public:
   /// Reads the settings. Opens nothing.
@@ -124,6 +129,8 @@ class Connection {
     return Note(query, statement());
   }
   bool IsOpen() const;
+  bool IsInherited() const;
+  void LeaveToItsProcess();
   bool HasDriverOrHope() const;
   void TryDriverAgain();
   bool MakeOpen(QString& reason);
@@ -149,6 +156,7 @@ class Connection {
 
   ConnectionHealth m_health{false};
   ConnectionHealth::Clock::time_point m_started;
+  pid_t m_maker = 0;  ///< the process that made the connection
   OpenedFile m_file;
   QString m_options;
   QHash<QString, KeptStatement> m_kept;  ///< prepared statements of the open connection, by their patterns

@@ -1,5 +1,7 @@
 #include "db/ProcessEnd.h"
 
+#include <unistd.h>
+
 #include <QString>
 #include <atomic>
 #include <vector>
@@ -10,9 +12,15 @@ namespace {
 /// Needs neither constructor nor destructor, so that it can be asked at any time.
 std::atomic<bool> g_hasCome{false};
 
-/// The connections in Qt's list. Never destroyed.
-std::vector<std::shared_ptr<QSqlDatabase>>& Connections() {
-  static auto& connections = *new std::vector<std::shared_ptr<QSqlDatabase>>;
+/// A connection in Qt's list, and the process that made it.
+struct Made {
+  std::shared_ptr<QSqlDatabase> Db;
+  pid_t Maker;
+};
+
+/// Never destroyed.
+std::vector<Made>& Connections() {
+  static auto& connections = *new std::vector<Made>;
   return connections;
 }
 
@@ -26,13 +34,14 @@ void Close(QSqlDatabase& connection) {
 
 void Come() noexcept {
   if (g_hasCome.exchange(true)) return;
-  for (const std::shared_ptr<QSqlDatabase>& connection : Connections()) {
+  for (Made& connection : Connections()) {
+    if (connection.Maker != getpid()) continue;
     try {
-      Close(*connection);
+      Close(*connection.Db);
     } catch (...) {  // a driver's; there is nobody left to be told
     }
+    connection.Db = nullptr;
   }
-  Connections().clear();
 }
 
 struct Guard {
@@ -49,7 +58,7 @@ bool ProcessEnd::HasCome() { return g_hasCome.load(std::memory_order_relaxed); }
 void ProcessEnd::AfterSettings() { static const Guard guard; }
 
 void ProcessEnd::AfterConnection(const std::shared_ptr<QSqlDatabase>& connection) {
-  Connections().push_back(connection);
+  Connections().push_back({connection, getpid()});
   static const Guard guard;
 }
 

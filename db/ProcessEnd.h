@@ -20,7 +20,8 @@ class ProcessEnd {
   /// Settings were read.
   static void AfterSettings();
 
-  /// A connection was put into Qt's list; the end will take it out. @param connection not null.
+  /// A connection was put into Qt's list; the end of this process will take it out, and that of a process forked from it
+  /// will leave it alone: the server would hear of it. @param connection not null.
   static void AfterConnection(const std::shared_ptr<QSqlDatabase>& connection);
 
   /// A connection was opened.

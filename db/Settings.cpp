@@ -1,5 +1,6 @@
 #include "db/Settings.h"
 
+#include <QFile>
 #include <QSettings>
 #include <QStringList>
 #include <QVariant>
@@ -31,12 +32,30 @@ LogFlush FlushSetting(const QSettings& settings) {
   return isCall ? LogFlush::Call : LogFlush::Entry;
 }
 
+/// Qt keeps what it has read of a file until its size or time changes: also nothing, when the disk failed at it or memory
+/// was short. So a file that had no kind is read under another name of it the next time.
+///
+/// @param attempt counts the reads that came to no kind. Names come again after so many that Qt keeps none of them, which
+///                are fewer than Linux follows links for.
+QString NameFor(unsigned attempt) {
+  constexpr unsigned kNames = 16;
+  QString name = QStringLiteral("config.ini");
+  if (attempt % kNames == 0) return name;
+  const QString otherName = QStringLiteral("/proc/self/root").repeated(static_cast<int>(attempt % kNames) - 1) +
+                            QStringLiteral("/proc/self/cwd/") + name;
+  return QFile::exists(otherName) ? otherName : name;
+}
+
 }  // namespace
 
 DatabaseSettings ReadSettings() {
+  static unsigned attempt = 0;
   DatabaseSettings read;
-  QSettings settings(QStringLiteral("config.ini"), QSettings::IniFormat);
+  QSettings settings(NameFor(attempt++), QSettings::IniFormat);
   settings.setIniCodec("UTF-8");
+  // Asked for single keys, Qt reads a group when it thinks that it holds the key: not "Log", while a "Log/Archive" that
+  // would stand between the two in the alphabet is unread. Asked for all, it reads all groups.
+  settings.allKeys();
   read.DbType = TextSetting(settings, "DataBase/DbType");
   read.ServiceName = TextSetting(settings, "DataBase/ServiceName");
   read.DBName = TextSetting(settings, "DataBase/DBName");
@@ -47,6 +66,7 @@ DatabaseSettings ReadSettings() {
   read.ReadTimeout = TimeoutSetting(settings, "DataBase/ReadTimeout");
   SetLogFlush(FlushSetting(settings));
   ProcessEnd::AfterSettings();
+  if (!read.DbType.isEmpty()) --attempt;
   return read;
 }
 

@@ -61,6 +61,8 @@ constexpr Case kCases[] = {
     {"HashAndEqualsAreLetters", "[DataBase]\nDbType=SQLITE\nDBName=./a#b=c.db\n", "a#b=c.db"},
     {"LinesOfRemarks", "; one\n# two\n[DataBase]\nDbType=SQLITE\nDBName=./a.db\n", "a.db"},
     {"Utf8", "[DataBase]\nDbType=SQLITE\nDBName=./\xE8\x8C\xB6.db\n", "\xE8\x8C\xB6.db"},
+    {"BesideAGroupWithinTheGroup", "[DataBase]\nDbType=SQLITE\nDBName=./a.db\n[DataBase\\Old]\nDBName=./b.db\n",
+     "a.db"},
     {"TheLastOfTwoCounts", "[DataBase]\nDbType=SQLITE\nDBName=./a.db\nDBName=./b.db\n", "b.db"},
 };
 

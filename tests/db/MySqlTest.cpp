@@ -1,6 +1,10 @@
 // The "MYSQL" kind on a real server.
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <QDateTime>
 #include <QVariant>
+#include <cstdlib>
 
 #include "db/Connection.h"
 #include "db/RowFields.h"
@@ -42,6 +46,32 @@ TEST_F(MySql, AServerThatIsNamedIsReachedByItsName) {
   Open();
   EXPECT_EQ(Answer("select host from information_schema.processlist where id=connection_id()").substr(0, 10),
             "127.0.0.1:");
+}
+
+/// Ends a child with its exit handlers. @return whether it went well.
+template <class Work>
+bool InForkedProcess(Work work) {
+  const pid_t child = fork();
+  if (child == 0) std::exit(work() ? 0 : 1);
+  int status = -1;
+  return waitpid(child, &status, 0) == child && status == 0;
+}
+
+TEST_F(MySql, AForkedProcessHasAConnectionOfItsOwn) {
+  const std::string own = Answer("select connection_id()");
+  m_query.clear();
+  EXPECT_TRUE(InForkedProcess([&] {
+    QString error;
+    return m_db->EnsureOpen(error) && Answer("select connection_id()") != own && Answer("select 'child'") == "child";
+  }));
+  EXPECT_EQ(Answer("select connection_id()"), own);
+}
+
+TEST_F(MySql, AForkedProcessThatEndsWithoutACallLeavesTheConnectionOpen) {
+  const std::string own = Answer("select connection_id()");
+  m_query.clear();
+  EXPECT_TRUE(InForkedProcess([] { return true; }));
+  EXPECT_EQ(Answer("select connection_id()"), own);
 }
 
 TEST_F(MySql, TextsKeepQuotesAndChinese) {

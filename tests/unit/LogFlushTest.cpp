@@ -51,6 +51,11 @@ TEST_F(LogFlushSetting, IsNotFoundUnderAnotherSpelling) {
   EXPECT_EQ(After("[DataBase]\nFlush=call\n"), LogFlush::Entry);
 }
 
+TEST_F(LogFlushSetting, IsFoundBesideAGroupWithinItsGroup) {
+  EXPECT_EQ(After("[Log]\nFlush=call\n[Log\\Archive]\nFlush=entry\n"), LogFlush::Call);
+  EXPECT_EQ(After("[Log/Archive]\nFlush=entry\n[Log]\nFlush=call\n"), LogFlush::Call);
+}
+
 TEST_F(LogFlushSetting, IsEntryAgainWithoutTheFile) {
   EXPECT_EQ(After("[Log]\nFlush=call\n"), LogFlush::Call);
   QFile::remove(QStringLiteral("config.ini"));
