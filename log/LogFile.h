@@ -3,6 +3,7 @@
 
 #include <sys/stat.h>
 
+#include <chrono>
 #include <cstddef>
 #include <string_view>
 #include <vector>
@@ -12,6 +13,8 @@ namespace Corvane {
 /// The file "QnCorvane.txt" of the current directory. It is found by this name at each append, wherever the process may
 /// have gone and whatever has become of the file in between; a descriptor that is open already serves while the name
 /// leads to it.
+///
+/// Nothing is waited for, but the reader of a pipe for a moment: what it doesn't take is lost.
 class LogFile {
  public:
   LogFile() = default;
@@ -25,14 +28,21 @@ class LogFile {
   /// @param ends where each entry ends in `entries`, the last one at its end.
   void Append(std::string_view entries, const std::vector<std::size_t>& ends) noexcept;
 
-  void Close() noexcept;
+  /// Closes the file. @note the object can be used again.
+  void EndCall() noexcept;
 
  private:
+  /// How long a call waits, in all, for the reader of a pipe.
+  static constexpr std::chrono::milliseconds MostPatience{200};
+
+  void Close() noexcept;
   bool IsStillThere(struct stat& state) const noexcept;
   bool Open(struct stat& state) noexcept;
 
+  std::chrono::milliseconds m_patience = MostPatience;
   int m_descriptor = -1;
-  struct stat m_opened {};  ///< the file's state when it was opened
+  bool m_isSizeLimited = false;  ///< the host's files may only grow to some size
+  struct stat m_opened {};       ///< the file's state when it was opened
 };
 
 }  // namespace Corvane

@@ -29,7 +29,7 @@ void LogWriter::Add(const QString& text) noexcept {
 
 void LogWriter::Finish() noexcept {
   HandOver();
-  m_file.Close();
+  m_file.EndCall();
   GiveLargeRoomBack();
 }
 

@@ -1,6 +1,7 @@
 #ifndef QNCORVANE_TESTS_SUPPORT_LOGMOVER_H
 #define QNCORVANE_TESTS_SUPPORT_LOGMOVER_H
 
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -30,6 +31,9 @@ class LogMover {
   ~LogMover() {
     kill(m_child, SIGKILL);
     waitpid(m_child, nullptr, 0);
+    // It may have ended between its two steps.
+    struct stat state {};
+    if (stat(kLog, &state) == 0 && state.st_nlink > 1) unlink(kLog);
   }
   LogMover(const LogMover&) = delete;
   LogMover& operator=(const LogMover&) = delete;

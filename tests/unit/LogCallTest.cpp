@@ -16,6 +16,7 @@
 #include <QString>
 #include <QTextCodec>
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
@@ -30,6 +31,7 @@
 #include "log/LogFlush.h"
 #include "log/LogWriter.h"
 #include "tests/support/LogMover.h"
+#include "tests/support/LogPipe.h"
 #include "tests/unit/RuleFixture.h"
 
 namespace fs = std::filesystem;
@@ -37,6 +39,7 @@ namespace fs = std::filesystem;
 using Corvane::Log;
 using Corvane::LogCall;
 using Corvane::LogFlush;
+using Corvane::Testing::LogPipe;
 using ruletest::Entries;
 
 namespace {
@@ -230,14 +233,12 @@ TEST_F(LogEntryByEntry, AFullDiskCostsTheEntriesOfThatTime) {
 
 // A reader of a pipe that reads to the end has the entry, and need not wait for the end of the call.
 TEST_F(LogEntryByEntry, ThePipeInItsPlaceEndsBehindEachEntry) {
-  ASSERT_EQ(mkfifo(kLog, 0600), 0);
+  LogPipe pipe;
   const LogCall call;
   for (const char* const text : {"one", "two"}) {
-    Entries read;
-    std::thread reader([&] { read = TextsOf(kLog); });
     Log(text);
-    reader.join();
-    EXPECT_EQ(read, (Entries{text}));
+    EXPECT_EQ(pipe.Take().substr(kStamp), std::string("  ") + text + "\n\r");
+    EXPECT_FALSE(pipe.HasWriter());
   }
 }
 
@@ -386,13 +387,15 @@ TEST_F(GatheredLog, ThatCanNotBeWrittenIsLostAndTheNextCallTriesAgain) {
 }
 
 TEST_F(GatheredLog, AllOfItGoesThroughAPipe) {
-  ASSERT_EQ(mkfifo(kLog, 0600), 0);
+  LogPipe pipe;
+  std::atomic<bool> isWritten{false};
   std::string read;
-  std::thread reader([&] { read = Content(kLog); });
+  std::thread reader([&] { read = pipe.TakeUntil(isWritten); });
   {
     const LogCall call;
     for (int entry = 0; entry < 3; ++entry) Log(std::string(600000, 'x'));
   }
+  isWritten = true;
   reader.join();
   EXPECT_EQ(read.size(), 3 * (kStamp + 2 + 600000 + 2));
 }

@@ -1,6 +1,7 @@
 // The calculation log as a file.
 #include "log/Log.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <stdlib.h>
@@ -12,6 +13,7 @@
 #include <QDir>
 #include <QFile>
 #include <QTextCodec>
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdlib>
@@ -24,9 +26,11 @@
 #include <thread>
 #include <vector>
 
+#include "tests/support/LogPipe.h"
 #include "tests/unit/RuleFixture.h"
 
 using Corvane::Log;
+using Corvane::Testing::LogPipe;
 using ruletest::Entries;
 
 namespace {
@@ -167,26 +171,37 @@ class SignalStorm {
   struct sigaction m_before {};
 };
 
-// A pipe in the log's place lets the opening and the writing wait until a reader comes, and be interrupted.
-TEST_F(LogFile, AnInterruptedCallIsMadeAgain) {
-  ASSERT_EQ(mkfifo("QnCorvane.txt", 0600), 0);
+// A pipe takes 64 kB at once, so that the writing waits until the reader has taken something.
+TEST_F(LogFile, AnInterruptedWaitIsGoneOnWith) {
+  LogPipe pipe;
+  std::atomic<bool> isWritten{false};
   std::string read;
   std::thread reader([&] {
     sigset_t alarm;
     sigemptyset(&alarm);
     sigaddset(&alarm, SIGALRM);
     pthread_sigmask(SIG_BLOCK, &alarm, nullptr);
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    std::ifstream pipe("QnCorvane.txt", std::ios::binary);
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    read.assign(std::istreambuf_iterator<char>(pipe), std::istreambuf_iterator<char>());
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    read = pipe.TakeUntil(isWritten);
   });
   {
     const SignalStorm storm;
     Log(std::string(300000, 'x'));
   }
+  isWritten = true;
   reader.join();
   EXPECT_EQ(read.substr(19), "  " + std::string(300000, 'x') + "\n\r");
+}
+
+// One that nobody reads costs the entry, one that is full what it has no room for; neither holds the host.
+TEST_F(LogFile, APipeHoldsNobody) {
+  const auto start = std::chrono::steady_clock::now();
+  LogPipe pipe;
+  Log(std::string(300000, 'x'));
+  EXPECT_GE(pipe.Take().size(), 65536U);
+  pipe.Leave();
+  Log("nobody reads");
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
 }
 
 TEST_F(LogFile, SeveralPiecesAreOneEntry) {
