@@ -124,7 +124,8 @@ void SpreadOverLinePtrs(RuleRun& run, const LinePtrs& lines, double money, doubl
 // --- Over the whole sale --------------------------------------------------------------------------------------------
 
 void SpreadOverLines(RuleRun& run, double money, double base, FinalPrice price) {
-  if (WithoutNoise(base) == 0 || WithoutNoise(SumOfTotals(run.Lines())) == 0) return;
+  const double whole = SumOfTotals(run.Lines());
+  if (WithoutNoise(base) == 0 || WithoutNoise(whole) == 0) return;
   const bool leavesTotals = run.Type().Has(Fact::LeavesWholeSale);
   double sum = 0;
   for (SalePlu& line : run.Lines()) {
@@ -132,8 +133,8 @@ void SpreadOverLines(RuleRun& run, double money, double base, FinalPrice price) 
     Award share;
     share.Quantity = CeilSingle(run.Type().Has(Fact::TellsDisNum) ? line.DisNum : line.PluCount);
     const bool byQuantity = !leavesTotals && share.Quantity > 0;
-    share.BaseMoney =
-        byQuantity ? share.Quantity * line.FinalPrice : Quotient(base * line.Total, SumOfTotals(run.Lines()));
+    share.BaseMoney = byQuantity ? share.Quantity * line.FinalPrice
+                                 : Quotient(base * line.Total, leavesTotals ? whole : SumOfTotals(run.Lines()));
     share.Money = CutToCents(Quotient(share.BaseMoney, base) * money);
     share.NewPrice = Quotient(line.Total - share.Money, line.PluCount);
     run.Record(line, share);

@@ -19,34 +19,40 @@ void ProDirectLimit::CalcRule(RuleRun& run) {
   m_detail.Clear();
   if (!run.MeetsConditions()) return;
   m_detail.LoadRuleDetail(m_db, Info.BillNo, run.Sale());  // nothing changes the lines meanwhile
-  for (SalePlu& line : run.Lines()) CalcRuleOnLine(run, line);
+  const SplitRows rows(m_detail.Conditions());
+  EarlierCounts earlier(run.Lines());
+  for (SalePlu& line : run.Lines()) DiscountLine(run, rows, earlier, line);
   // This type enforces its limit without announcing it in the log.
   run.Limit(LimitLog::Unannounced);
 }
 
 void ProDirectLimit::CalcRuleOnLine(RuleRun& run, SalePlu& line) const {
+  EarlierCounts earlier(run.Lines());
+  DiscountLine(run, SplitRows(m_detail.Conditions()), earlier, line);
+}
+
+void ProDirectLimit::DiscountLine(RuleRun& run, const SplitRows& rows, EarlierCounts& earlier, SalePlu& line) const {
   Log(LogText::kLimitStarts, Info.BillNo);
   Log(LogText::kBeforeOpenQuantity);
   const double open = run.OpenCount(line);
   Log(LogText::kBehindOpenQuantity);
   if (open <= 0) return;
-  const SplitRows rows(m_detail.Conditions());
   if (LineMatchesRows(rows.PluNot, line, RowsBy::Goods)) return;
-  if (!DiscountByGoods(run, rows.PluIn, line)) return;
+  if (!DiscountByGoods(run, rows.PluIn, earlier, line)) return;
   if (LineMatchesRows(rows.ClassNot, line, RowsBy::Class)) return;
   DiscountByClass(run, rows.ClassIn, line);
 }
 
 /// @return false when the quantities on earlier lines make no sense, which ends the rule for this line.
-bool ProDirectLimit::DiscountByGoods(RuleRun& run, const RowPtrs& rows, SalePlu& line) const {
+bool ProDirectLimit::DiscountByGoods(RuleRun& run, const RowPtrs& rows, EarlierCounts& earlier, SalePlu& line) const {
   for (const ProDetailKey* row : LastToFirst(rows)) {
+    if (!Same(row->PluCode, line.PluCode)) continue;
     // A set price never applies to a package; rates and reductions do. What a receipt would show decides.
     const bool isSetPrice = Same(m_detail.ActionOf(*row).DisType, PriceKind::kPrice);
     if (isSetPrice && !PrintsAsOne(line.PackCnt)) continue;
-    if (!Same(row->PluCode, line.PluCode)) continue;
-    const double earlier = GetEarlierCount(run.Lines(), line.PluCode, line.Index - 1);
-    if (earlier < 0) return false;
-    DiscountByRow(run, *row, earlier, line);
+    const double taken = earlier.Before(line);
+    if (taken < 0) return false;
+    DiscountByRow(run, *row, taken, line);
   }
   return true;
 }
@@ -76,16 +82,18 @@ double GetTypeCountOnLine(const SalePlu& line, Text type) {
   return line.ProResults.empty() || (count >= 0 && count <= line.PluCount + kNoise) ? count : -1;
 }
 
-double GetEarlierCount(const std::vector<SalePlu>& lines, Text pluCode, std::int32_t lastIndex) {
-  double count = 0;
-  for (const SalePlu& line : lines) {
-    if (line.Index > lastIndex) break;
-    if (!Same(line.PluCode, pluCode)) continue;
-    const double onLine = GetTypeCountOnLine(line, TypeWord::kLimit);
-    if (onLine < 0) return -1;
-    count += onLine;
-  }
-  return count;
+double EarlierCounts::Before(const SalePlu& line) {
+  const std::size_t place = std::min(static_cast<std::size_t>(line.Index), m_lines.size());
+  while (m_next < place) Count(m_lines[m_next++]);
+  const auto known = m_byGoods.find(OrEmpty(line.PluCode));
+  return known == m_byGoods.end() ? 0 : known->second;
+}
+
+void EarlierCounts::Count(const SalePlu& line) {
+  double& sum = m_byGoods[OrEmpty(line.PluCode)];
+  if (sum < 0) return;
+  const double onLine = GetTypeCountOnLine(line, TypeWord::kLimit);
+  sum = onLine < 0 ? -1 : sum + onLine;
 }
 
 }  // namespace Corvane

@@ -1,7 +1,9 @@
 #ifndef QNCORVANE_PROMO_DIRECT_PRODIRECTLIMIT_H
 #define QNCORVANE_PROMO_DIRECT_PRODIRECTLIMIT_H
 
-#include <cstdint>
+#include <cstddef>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "db/QnPosDBPro.h"
@@ -11,6 +13,25 @@
 #include "rule/RuleRun.h"
 
 namespace Corvane {
+
+/// The quantity that "PTXS" rules took on the sale's lines of some goods in front of a line. Each line is counted once,
+/// when a later one is first asked for: what stands in front of that changes no more.
+class EarlierCounts {
+ public:
+  /// @param lines borrowed.
+  explicit EarlierCounts(const std::vector<SalePlu>& lines) : m_lines(lines) {}
+
+  /// @param line one of the lines, not in front of one that was asked for before.
+  /// @return -1 where the quantity of a line with the same goods makes no sense.
+  double Before(const SalePlu& line);
+
+ private:
+  void Count(const SalePlu& line);
+
+  const std::vector<SalePlu>& m_lines;
+  std::size_t m_next = 0;  ///< the first line that is not counted
+  std::unordered_map<std::string_view, double> m_byGoods;
+};
 
 /// "PTXS", the ordinary time-limited promotion: goods, classes or brands get a set price, a rate or a fixed reduction,
 /// line by line, if wanted in a limited quantity over the lines of a sale.
@@ -29,7 +50,8 @@ class ProDirectLimit : public ProBase {
   void CalcRuleOnLine(RuleRun& run, SalePlu& line) const;
 
  private:
-  bool DiscountByGoods(RuleRun& run, const RowPtrs& rows, SalePlu& line) const;
+  void DiscountLine(RuleRun& run, const SplitRows& rows, EarlierCounts& earlier, SalePlu& line) const;
+  bool DiscountByGoods(RuleRun& run, const RowPtrs& rows, EarlierCounts& earlier, SalePlu& line) const;
   void DiscountByClass(RuleRun& run, const RowPtrs& rows, SalePlu& line) const;
   void DiscountByRow(RuleRun& run, const ProDetailKey& row, double earlier, SalePlu& line) const;
 
@@ -42,10 +64,6 @@ bool LineMatchesRows(const RowPtrs& rows, const SalePlu& line, RowsBy by);
 
 /// The quantity that rules of a type took on the line. @return -1 when it is negative or more than the line holds.
 double GetTypeCountOnLine(const SalePlu& line, Text type);
-
-/// The quantity that "PTXS" rules took on the sale's lines of these goods, up to and including the place `lastIndex`.
-/// @return -1 as soon as a line's quantity makes no sense.
-double GetEarlierCount(const std::vector<SalePlu>& lines, Text pluCode, std::int32_t lastIndex);
 
 }  // namespace Corvane
 

@@ -87,8 +87,7 @@ void ProDirectOs::DiscountByRow(RuleRun& run, const PluCondition& condition, con
 bool ProDirectOs::ApplyOsDiscount(RuleRun& run, const PluCondition& condition, SalePlu& line, SetCount& count) const {
   const PluAction& action = m_detail.ActionOf(condition);
   const Taken earlier = TakenOn(line, [&](const ProResult& row) { return IsGivenBack(row, Info); });
-  const double left = GetRuleLeftCount(Info.BillNo, Info.MaxYhValue, run.Lines());
-  const double sets = TakeSets(condition, count.Carry + line.PluCount - earlier.Quantity, left, count);
+  const double sets = TakeSets(run, condition, count.Carry + line.PluCount - earlier.Quantity, count);
   if (PrintsAsZero(sets)) return true;
 
   const double base = RoundMoney(Quotient(earlier.Money + line.Total, line.PluCount));
@@ -106,13 +105,14 @@ bool ProDirectOs::ApplyOsDiscount(RuleRun& run, const PluCondition& condition, S
 }
 
 /// The full sets among the units, as far as the rule's limit by quantity allows; what belongs to none carries over.
-///
-/// @param left sets that the limit still allows.
-double ProDirectOs::TakeSets(const PluCondition& condition, double units, double left, SetCount& count) const {
+double ProDirectOs::TakeSets(const RuleRun& run, const PluCondition& condition, double units, SetCount& count) const {
   const double sets = std::floor(Quotient(units, condition.MinNum));
-  if (Same(Info.MaxYhType, LimitKind::kQuantity) && left < sets) {
-    count.Carry = units - condition.MinNum * left;
-    return left;
+  if (Same(Info.MaxYhType, LimitKind::kQuantity)) {
+    const double left = GetRuleLeftCount(Info.BillNo, Info.MaxYhValue, run.Lines());
+    if (left < sets) {
+      count.Carry = units - condition.MinNum * left;
+      return left;
+    }
   }
   count.Carry = TruncToInt32(units) % TruncToInt32(condition.MinNum);
   return sets;

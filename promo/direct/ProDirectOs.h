@@ -33,7 +33,7 @@ class ProDirectOs : public ProBase {
   LinePtrs SelectRowLines(const RuleRun& run, const LinePtrs& lines) const;
   void DiscountByRow(RuleRun& run, const PluCondition& condition, const LinePtrs& pool) const;
   bool ApplyOsDiscount(RuleRun& run, const PluCondition& condition, SalePlu& line, SetCount& count) const;
-  double TakeSets(const PluCondition& condition, double units, double left, SetCount& count) const;
+  double TakeSets(const RuleRun& run, const PluCondition& condition, double units, SetCount& count) const;
 
   DirectDetail m_detail;
   QnPosDBPro m_db;
