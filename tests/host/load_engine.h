@@ -18,12 +18,8 @@ static void Bind(void* library, const char* name, void* place) {
   memcpy(place, &symbol, sizeof symbol);
 }
 
-static struct Engine LoadEngine(const char* path) {
-  void* const library = dlopen(path, RTLD_NOW | RTLD_LOCAL);
-  if (library == NULL) {
-    fprintf(stderr, "%s\n", dlerror());
-    _exit(1);
-  }
+/* The calls of a library that is open. */
+static struct Engine BindEngine(void* library) {
   struct Engine engine;
   Bind(library, "BeginInitPro", &engine.BeginInitPro);
   Bind(library, "InitPromotion", &engine.InitPromotion);
@@ -34,6 +30,15 @@ static struct Engine LoadEngine(const char* path) {
   Bind(library, "ClearSaleSetForNet", &engine.ClearSaleSetForNet);
   Bind(library, "GetState", &engine.GetState);
   return engine;
+}
+
+static inline struct Engine LoadEngine(const char* path) {
+  void* const library = dlopen(path, RTLD_NOW | RTLD_LOCAL);
+  if (library == NULL) {
+    fprintf(stderr, "%s\n", dlerror());
+    _exit(1);
+  }
+  return BindEngine(library);
 }
 
 #endif
