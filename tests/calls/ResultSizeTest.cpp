@@ -4,10 +4,9 @@
 #include <gmock/gmock.h>
 
 #include <cstddef>
-#include <initializer_list>
 #include <string>
-#include <vector>
 
+#include "tests/support/ResultRoom.h"
 #include "tests/support/Till.h"
 
 namespace Corvane::Testing {
@@ -16,47 +15,6 @@ namespace {
 using ::testing::Gt;
 using ::testing::Le;
 using ::testing::SizeIs;
-
-/// The formula's sizes, without the texts. `Frame` has the closing zero in it.
-struct Sizes {
-  std::size_t Frame;
-  std::size_t Line;
-  std::size_t Discount;  ///< and apportion
-  std::size_t Offer;
-  std::size_t OfferRow;
-  std::size_t Coupon;
-};
-constexpr Sizes kNumbersBelow1e15 = {220, 400, 180, 150, 370, 110};
-constexpr Sizes kAnyNumbers = {220, 1900, 770, 1030, 2730, 110};
-constexpr std::size_t kBytesOfAnEscape = 6;
-
-std::size_t TextBytes(const std::vector<Row>& rows, std::initializer_list<const char*> texts) {
-  std::size_t bytes = 0;
-  for (const Row& row : rows) {
-    for (const char* text : texts) bytes += row[text].size();
-  }
-  return kBytesOfAnEscape * bytes;
-}
-
-std::size_t RoomFor(const Sizes& sizes, const std::string& result, std::size_t headTexts) {
-  std::size_t room = sizes.Frame + kBytesOfAnEscape * headTexts;
-  const std::vector<Row> lines = RowsOf(result, "Plu");
-  room += lines.size() * sizes.Line;
-  room += TextBytes(lines, {"PluCode", "BRD", "CAT", "SaleDate", "SaleTime", "ClsId", "PluID"});
-  for (const char* group : {"ProResult", "Apportion"}) {
-    const std::vector<Row> rows = RowsOf(result, group);
-    room += rows.size() * sizes.Discount + TextBytes(rows, {"PluCode", "ProBillNo", "ProType", "VipType"});
-  }
-  for (const Offer& offer : OffersOf(result)) {
-    room += sizes.Offer + TextBytes({offer.Head}, {"ProBillNo"});
-    room += offer.Rows.size() * sizes.OfferRow;
-    room += TextBytes(offer.Rows, {"PluCode", "PluType", "BaseConTp", "BaseDscTp"});
-  }
-  const std::vector<Row> coupons = RowsOf(result, "ProCoupons");
-  room += coupons.size() * sizes.Coupon;
-  room += TextBytes(coupons, {"SendSaleNo", "BillNo", "CouponTypeCode", "BgnDate", "EndDate", "Value", "Remark"});
-  return room;
-}
 
 /// A text of quotes, which take six bytes each on their way out, as it is written in XML.
 std::string Quotes(std::size_t count) {
