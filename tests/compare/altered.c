@@ -1,6 +1,7 @@
 /*
- * The engine with one small change, for the tests of the comparison: hands every call on to the library that
- * QNCORVANE_REAL names and alters what QNCORVANE_ALTER says. Without a change it is as good as the real one.
+ * The engine with one small change, for the tests of the comparison, the properties and the soak: hands every call on to
+ * the library that QNCORVANE_REAL names and alters what QNCORVANE_ALTER says. Without a change it is as good as the real
+ * one.
  */
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -73,6 +74,15 @@ static void alter_log(void) {
   close(file);
 }
 
+/* The last piece that nobody gives back; volatile, so that none is optimized away. */
+static void* volatile leaked;
+
+/* Whether this process has calculated often enough to show its age. */
+static int is_late(void) {
+  static int calls = 0;
+  return ++calls > 300;
+}
+
 int BeginInitPro(void) { return real("BeginInitPro").Plain(); }
 
 int InitPromotion(const char* type, const char* xml, char* msg) { return real("InitPromotion").Init(type, xml, msg); }
@@ -83,7 +93,9 @@ int ClearPromotion(char* msg, const char* billNo) { return real("ClearPromotion"
 
 int CalcPromotion(const char* key, const char* mode, const char* xml, char* out, char* msg) {
   const int code = real("CalcPromotion").Calc(key, mode, xml, out, msg);
-  if (alters("digit")) alter_digit(out);
+  if (alters("digit") || (alters("late") && is_late())) alter_digit(out);
+  if (alters("leak")) leaked = malloc(512);
+  if (alters("descriptors") && is_late()) (void)open("/dev/null", O_RDONLY);
   if (alters("log") && mode != NULL && strcmp(mode, "Pay") == 0) alter_log();
   if (alters("code") && code == -2) return -1;
   if (alters("crash") && mode != NULL && strcmp(mode, "Coupon") == 0) raise(SIGSEGV);

@@ -4,13 +4,26 @@ import random
 
 
 class Chance(random.Random):
-    """A random number generator with the questions that the generator asks."""
+    """A random number generator with the questions that the generator asks.
+
+    With a tidy one nothing goes wrong: what comes of it is what a real host sends and a real shop keeps.
+    """
+
+    def __init__(self, seed, tidy=False):
+        super().__init__(seed)
+        self.tidy = tidy
 
     def happens(self, percent):
         return self.random() * 100 < percent
 
+    def odd(self, percent):
+        """Whether something goes wrong; never with tidy chance."""
+        return self.happens(percent) and not self.tidy
+
     def weighed(self, **weights):
-        """One of the names, each as often as its weight says."""
+        """One of the names, each as often as its weight says; "odd" is what goes wrong."""
+        if self.tidy and "odd" in weights:
+            weights["odd"] = 0
         return self.choices(list(weights), list(weights.values()))[0]
 
     def some(self, items, least=0, most=None):

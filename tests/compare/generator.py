@@ -20,9 +20,9 @@ def make_till(seed):
 class TillMaker:
     """Builds one till call by call."""
 
-    def __init__(self, seed):
+    def __init__(self, seed, chance=None):
         self.seed = seed
-        self.chance = Chance(seed)
+        self.chance = chance or Chance(seed)
         self.shop = Shop(self.chance)
         self.rows, self.calls = {}, []
         self.rules, self.sales = [], []
@@ -45,11 +45,11 @@ class TillMaker:
     # Rules
 
     def load_rules(self):
-        if self.chance.happens(98):
+        if self.chance.happens(98) or self.chance.tidy:
             self.calls.append(["BeginInitPro"])
         for kind in self.kinds():
             self.add_rule(kind)
-        if self.chance.happens(99):
+        if self.chance.happens(99) or self.chance.tidy:
             self.calls.append(["FinishInitPro"])
 
     def kinds(self):
@@ -59,7 +59,7 @@ class TillMaker:
 
     def add_rule(self, kind, into_store=False):
         self.numbers += 1
-        rule = make_rule(self.chance, self.shop, self.number_of(kind), kind)
+        rule = make_rule(self.chance, self.shop, self.number_of(kind), kind, self.date())
         self.rules.append(rule)
         self.calls.append(rule.call())
         for table, rows in rule.rows.items():
@@ -68,8 +68,12 @@ class TillMaker:
             else:
                 self.rows.setdefault(table, []).extend(rows)
 
+    def date(self):
+        """The `JzDate` of the next rule; None for one of those that rules make up themselves."""
+        return None
+
     def number_of(self, kind):
-        if self.chance.happens(3):
+        if self.chance.odd(3):
             return self.chance.choice([f"{kind.lower()}-{self.numbers}", f"{kind}'{self.numbers}", "", f"{kind}-1"])
         return f"{kind}-{self.numbers}"
 

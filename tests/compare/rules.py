@@ -19,41 +19,41 @@ class Rule:
         return ["InitPromotion", self.load, self.xml]
 
 
-def make_rule(chance, its_shop, number, kind):
-    """A rule of a type, with all that may be odd about one."""
+def make_rule(chance, its_shop, number, kind, date=None):
+    """A rule of a type, with all that may be odd about one; `date` is its `JzDate`, or it gets one of a few."""
     rows = DETAILS[kind](chance, its_shop) if kind in DETAILS else {}
     for table_rows in rows.values():
         for row in table_rows:
             row["BillNo"] = number
             spoil(chance, row)
     groups = filters(chance) + (OWN_GROUPS[kind](chance, its_shop) if kind in OWN_GROUPS else [])
-    xml = written(chance, Element("Rules", (), [Element("Rule", header(chance, its_shop, number, kind), groups)]))
+    xml = written(chance, Element("Rules", (), [Element("Rule", header(chance, its_shop, number, kind, date), groups)]))
     return Rule(number, kind, load_type(chance, kind), xml, rows)
 
 
 def load_type(chance, kind):
     """The type word of the load: coupons are given by rules that are loaded as those that take them."""
-    if chance.happens(3):
+    if chance.odd(3):
         return chance.choice(TYPES + ("ptxs", "XXXX", "", "MZZQ", None))
     return "MZYQ" if kind == "MZZQ" else kind
 
 
-def header(chance, its_shop, number, kind):
+def header(chance, its_shop, number, kind, date=None):
     """The header's attributes."""
     limit = chance.weighed(none=60, money=20, count=20)
     value = {"none": 0, "money": chance.money(its_shop.price(chance) * 2), "count": chance.choice([1, 2, 3, 5, 1.5])}
     attributes = {
         "BillNo": number, "OrgCode": shop.ORGANISATION, "ProType": kind, "ProMode": kind[:2], "ProStatus": "1",
-        "Primary": chance.weighed(DZ=25, PT=40, DJ=35), "JzDate": f"2026-0{chance.randint(1, 4)}-01",
+        "Primary": chance.weighed(DZ=25, PT=40, DJ=35), "JzDate": date or f"2026-0{chance.randint(1, 4)}-01",
         "MaxYhType": {"none": chance.choice(["0", ""]), "money": "1", "count": "2"}[limit],
         "MaxYhValue": value[limit],
         "Remark": chance.weighed(none=93, DVCZK=4, NVCZK=3).replace("none", ""),
     }
     # In mode "Coupon" nothing but the load's type counts, so there a foreign type in the header goes far.
-    if chance.happens(10 if kind == "MZYQ" else 3):
+    if chance.odd(10 if kind == "MZYQ" else 3):
         family = [other for other in TYPES if other[:2] == kind[:2]]
         attributes["ProType"] = chance.choice(family if chance.happens(60) else TYPES)
-    if chance.happens(4):
+    if chance.odd(4):
         odd_header(chance, attributes)
     return attributes
 
@@ -119,7 +119,7 @@ def payment_row(chance):
 
 def spoil(chance, row):
     """With a row in twenty-five, one value that makes no sense."""
-    if not chance.happens(4):
+    if not chance.odd(4):
         return
     column = chance.choice([name for name in row if name != "BillNo"])
     number = isinstance(row[column], (int, float))
@@ -129,7 +129,7 @@ def spoil(chance, row):
 def rows_of(chance, least, most, make):
     """A few rows with numbers of their own."""
     rows = [make(serial) for serial in range(1, chance.randint(least, most) + 1)]
-    if chance.happens(2):
+    if chance.odd(2):
         rows[-1]["SerialNo"] = chance.choice([0, -1, 2147483647, 99999999999, 1])
     return rows
 
@@ -234,7 +234,7 @@ def menu(chance, its_shop):
 
 def unit_of(chance, pieces):
     """What a threshold or a gift is counted in: pieces with so many percent, otherwise money, seldom nothing known."""
-    if chance.happens(1.5):
+    if chance.odd(1.5):
         return chance.choice(["", "num", "PRC"])
     return "NUM" if chance.happens(pieces) else "SUM"
 
@@ -247,7 +247,7 @@ def steps(chance, its_shop, unit):
     base = round(its_shop.price(chance) * chance.choice([0.5, 1, 1, 2, 3]), chance.choice([0, 2]))
     return {"BaseConNum": chance.choice([base, base, base, 10, 0]),
             # A step of next to nothing is taken more often than any engine should go along with.
-            "AddConNum": 1e-7 if chance.happens(1) else chance.choice([0, 0, round(base / 2, 2), 10]),
+            "AddConNum": 1e-7 if chance.odd(1) else chance.choice([0, 0, round(base / 2, 2), 10]),
             "SaleMaxIn": chance.choice([0, 0, 0, round(base * 2.5, 2)])}
 
 

@@ -3,6 +3,7 @@
 import shop
 from xmltext import Element, group, written
 
+COUPON_VALUES = ("5", "10.00", "2.5", "0.1", "100", "-1", "x", "16777217")
 HUGE = ("2147483647", "99999999999", "-1", "0", "-2147483648", "4294967297", "x", "1.9", "")
 
 
@@ -51,7 +52,7 @@ class Sale:
     def xml(self, lines, extra=(), unkempt=10, broken=2):
         """The sale with some of its lines as text."""
         header = dict(self.header)
-        if self.chance.happens(1):
+        if self.chance.odd(1):
             header.pop(self.chance.choice(list(header)))
         return written(self.chance, Element("Sale", header, self.groups(lines) + list(extra)), unkempt, broken)
 
@@ -65,14 +66,14 @@ class Sale:
         for _ in range(self.chance.randint(1, 3)):
             money = self.chance.choice([round(rest, 2), round(rest / 2, 2), 50, 100.5])
             rows.append({"PayMode": self.chance.choice(shop.PAYMENTS), "PayCardNo": self.chance.choice(shop.CARDS),
-                         "PayMoney": money if not self.chance.happens(4) else self.chance.nonsense_number()})
+                         "PayMoney": money if not self.chance.odd(4) else self.chance.nonsense_number()})
         return group("PayMode", rows)
 
     def coupons(self):
         """The coupons that the customer shows."""
         return group("Coupon", [
             {"BillNo": f"K{number}", "CouponTypeCode": self.chance.choice(shop.COUPONS),
-             "CouponValue": self.chance.choice(["5", "10.00", "2.5", "0.1", "100", "-1", "x", "16777217"]),
+             "CouponValue": self.chance.choice(COUPON_VALUES[:5] if self.chance.tidy else COUPON_VALUES),
              "BgnDate": "2026-11-01", "EndDate": "2026-12-01"}
             for number in range(1, self.chance.randint(1, 3) + 1)])
 
@@ -93,7 +94,7 @@ def make_line(chance, goods, serial):
     if chance.happens(10):
         line.update(VipPrice=round(goods.price * 0.9, 2), YhBefore=chance.choice([0, 1.5]), PluID="商品" + goods.code,
                     PluDtId=7.9, PageNo="1", LnNo=serial, ClsId="K", FinalPrice=9.99)
-    if chance.happens(8):
+    if chance.odd(8):
         odd_line(chance, line)
     return line
 

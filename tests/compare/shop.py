@@ -31,7 +31,7 @@ class Shop:
 
     def __init__(self, chance):
         codes = list(CODES[:chance.randint(2, len(CODES))])
-        if chance.happens(15):
+        if chance.odd(15):
             codes.append(chance.choice(ODD_CODES))
         self.goods = [Goods(chance, code) for code in codes]
 

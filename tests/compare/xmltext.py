@@ -135,9 +135,9 @@ def damaged(chance, text):
 
 def written(chance, element, unkempt=12, broken=3):
     """An element as text: mostly tidy, sometimes unkempt or broken (percent)."""
-    writer = UnkemptWriter(chance, chance.choice([3, 8, 20])) if chance.happens(unkempt) else Writer()
+    writer = UnkemptWriter(chance, chance.choice([3, 8, 20])) if chance.odd(unkempt) else Writer()
     text = chance.choice(["", "", '<?xml version="1.0" encoding="UTF-8"?>\n', '<?xml version="1.0"?>'])
     text += writer.write(element)
-    if chance.happens(unkempt / 10):
+    if chance.odd(unkempt / 10):
         text = "\ufeff" + text
-    return damaged(chance, text) if chance.happens(broken) else text
+    return damaged(chance, text) if chance.odd(broken) else text
