@@ -46,6 +46,16 @@ TEST(CouponDays, ACenturyIsALeapYearOnlyByFourHundred) {
   EXPECT_EQ(After(1, "2000-02-28 10:00:00"), "2000-2-29 10:00:00");
 }
 
+// From 21 November 344 days are 21 + 344 = day 365 of that November: as long as the year, and not a year later.
+TEST(CouponDays, AsManyDaysAsTheYearHasAreNoYear) {
+  EXPECT_EQ(After(344, "2026-11-21 10:00:00"), "2027-10-31 10:00:00");
+}
+
+// 400 years have 146097 days.
+TEST(CouponDays, FourHundredYearsOfDaysAndOneMore) {
+  EXPECT_EQ(After(146098, "2026-11-21 10:00:00"), "2426-11-22 10:00:00");
+}
+
 TEST(CouponDays, AYearOfDays) { EXPECT_EQ(After(365, "2026-11-21 10:00:00"), "2027-11-21 10:00:00"); }
 
 TEST(CouponDays, ALeapYearOfDaysFromItsFirstDay) { EXPECT_EQ(After(366, "2028-01-01 10:00:00"), "2029-1-1 10:00:00"); }

@@ -190,5 +190,17 @@ TEST(SortTiersDown, AThresholdThatIsNoNumberDoesNoHarm) {
   EXPECT_EQ(numbers, (std::vector<double>{7, 6, 5}));
 }
 
+// --- Order of thresholds ----------------------------------------------------------------------------------------------
+
+TEST(SortsBefore, WhatIsNoNumberStandsBehindAllNumbers) {
+  const double none = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_TRUE(SortsBefore(1, 2));
+  EXPECT_FALSE(SortsBefore(2, 1));
+  EXPECT_FALSE(SortsBefore(1, 1));
+  EXPECT_TRUE(SortsBefore(1, none));
+  EXPECT_FALSE(SortsBefore(none, 1));
+  EXPECT_FALSE(SortsBefore(none, none));
+}
+
 }  // namespace
 }  // namespace Corvane
