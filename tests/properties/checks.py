@@ -383,7 +383,8 @@ def discounts_equal_what_left_the_lines(till, engines, tally):
     line alone. A limit on a rule's money cuts its rows to the limit and leaves `Total`, and what the
     shares of a later rule left may stand in them; "Single" knows no such limit.
     PTOS, ZHGD with a price for each article, and the free goods of MZDP and MZZM round nothing: their cents are those
-    of the printed numbers.
+    of the printed numbers. So are those of ZHGD with a price for the whole combination, measured against unit prices
+    with fractions of a cent.
     """
     books, headers = {}, rules_of(till)
     knows_limits = {}
@@ -424,7 +425,7 @@ def check_line(till, limits, result, line, sent, tally, place):
             staying.append(row)
     possible = [leaving] + [leaving + amount for amount in either]
     tolerance = Decimal(0)
-    if any(has_fractions(till, row) for row in rows):
+    if any(has_fractions(till, result, row) for row in rows):
         tally["amounts in fractions of a cent"] += 1
         tolerance = CENT / 2 * (len(rows) + 1)
     if any(row["ProType"] in COUPONS for row in result.rows_of_lines()):
@@ -473,15 +474,31 @@ def leaves_line(till, row, line, tally):
     return True
 
 
-def has_fractions(till, row):
+def has_fractions(till, result, row):
     """Whether a rule gives amounts that it doesn't round."""
+    if row["ProType"] != "ZHGD":
+        return row["ProType"] in ("PTOS", "MZDP", "MZZM")
     forms = rows_in_store(till, "tProPrjCombProAct", row["ProBillNo"])
-    per_article = row["ProType"] == "ZHGD" and any(form.get("PriceType") == "DP" for form in forms)
-    return row["ProType"] in ("PTOS", "MZDP", "MZZM") or per_article
+    return any(form.get("PriceType") == "DP" for form in forms) or has_broken_units(result, row)
+
+
+def has_broken_units(result, row):
+    """Whether a unit price that a combination was measured against may have had fractions of a cent: what an amount
+    leaves for each piece where pieces don't divide it, or where another rule had lowered it before."""
+    serials = {other["RowID"] for other in result.rows_of_lines() if other["ProBillNo"] == row["ProBillNo"]}
+    return any(breaks_unit(result, result.lines[serial], row) for serial in serials)
+
+
+def breaks_unit(result, line, row):
+    rows = [other for other in result.rows_of_lines() if other["RowID"] == line["SerialNo"]]
+    if any(other["ProBillNo"] != row["ProBillNo"] for other in rows):
+        return True
+    amount = Decimal(line["Total"]) + sum(Decimal(other["DisMoney"]) for other in rows)
+    return Decimal(line["PluCount"]) == 0 or amount / Decimal(line["PluCount"]) % CENT != 0
 
 
 def rounds_nothing(till, result):
-    return any(has_fractions(till, row) for row in result.rows_of_lines())
+    return any(has_fractions(till, result, row) for row in result.rows_of_lines())
 
 
 def rows_in_store(till, table, number):
@@ -501,10 +518,12 @@ def is_limited(row, limits):
     return row["ProBillNo"] in limits and row["ProType"] not in ("MZZF", *COUPONS)
 
 
-def may_spread(till):
-    """Whether a rule spreads money over lines. What its shares leave lands on the first row of a line, whichever rule's
-    it is: over weighed goods, and lines that gave all away before, that is more than cents, and may be all of it."""
-    return any(header.get("ProType") in SPREADS for header in rules_of(till).values())
+def may_spread(till, place):
+    """Whether a rule spreads money over lines in a call; in a subtotal ZHGD alone does. What its shares leave lands on
+    the first row of a line, whichever rule's it is: over weighed goods, and lines that gave all away before, that is
+    more than cents, and may be all of it."""
+    modes = {SPREADS.get(header.get("ProType")) for header in rules_of(till).values()}
+    return "All" in modes or (mode_of(till["calls"][place]) not in SUBTOTALS and "MzPromotion" in modes)
 
 
 def check_limits(till, limits, result, book, tally, place):
@@ -517,7 +536,7 @@ def check_limits(till, limits, result, book, tally, place):
         tally["rows cut by a money limit"] += abs(given - limit) <= CENT
         # What rounding left of later rules may stand in these rows.
         if given - limit > CENT + CENT / 2 * len(result.lines):
-            if may_spread(till):
+            if may_spread(till, place):
                 tally["limits below what a later rule's rounding left"] += 1
                 continue
             raise Broken("a rule gives more than its limit", f"call {place + 1}, {number}: {given} of {limit}")
