@@ -37,7 +37,7 @@ fuzz() {
   if ((${#targets[@]} == 0)); then
     for target in tests/fuzz/[a-z]*.cpp; do targets+=("$(basename "$target" .cpp)"); done
   fi
-  need "${packages_build[@]:?}" "${packages_test[@]:?}" "${packages_fuzz[@]:?}"
+  need "${packages_build[@]:?}" "${packages_test[@]:?}" "${packages_clang[@]:?}"
   say "building the fuzz targets"
   cmake --preset sanitize
   cmake --build --preset sanitize -j "${jobs:?}" --target "${targets[@]/#/fuzz_}"

@@ -9,7 +9,6 @@
   packages_format=(clang-format)
   packages_clang=(clang libclang-rt-14-dev)
   packages_lint=("${packages_clang[@]}" clang-tidy clang-format shellcheck)
-  packages_fuzz=("${packages_clang[@]}")
   packages_coverage=("${packages_clang[@]}" llvm)
   packages_bench=(libsqlite3-dev python3 mariadb-server libqt5sql5-mysql)
   packages_count=(valgrind libsqlite3-dev python3)

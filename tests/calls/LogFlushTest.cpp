@@ -36,12 +36,6 @@ std::string Content(const fs::path& name) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-std::size_t EntriesIn(const std::string& bytes) {
-  std::size_t count = 0;
-  for (std::size_t at = bytes.find("\n\r"); at != std::string::npos; at = bytes.find("\n\r", at + 2)) ++count;
-  return count;
-}
-
 /// An engine that has not read its settings yet; they say how the log is flushed.
 class LogFlushCalls : public FreshTill {
  protected:
@@ -74,11 +68,9 @@ class LogFlushCalls : public FreshTill {
   }
 };
 
-/// How often the process writes. UndefinedBehaviorSanitizer writes, too: it looks through a pipe whether memory may be
-/// read.
+/// How often the process writes.
 class LogFlushWrites : public LogFlushCalls {
  protected:
-  void SetUp() override { LogFlushCalls::SetUp(); }
   /// How often a sale writes, which has 19 entries.
   static long WritesOfASale() {
     LoadCola();

@@ -204,12 +204,9 @@ TEST_F(LateStore, SettingsThatComeLaterAreRead) {
   });
 }
 
-/// A process without descriptors. UndefinedBehaviorSanitizer needs some itself: it looks through a pipe whether memory
-/// may be read, and takes an object for none without it.
+/// A process without descriptors.
 class ExhaustedStore : public FreshTill {
  protected:
-  void SetUp() override { FreshTill::SetUp(); }
-
   /// The store can't be opened while there are no descriptors, and can when there are some again.
   static void ExpectToOpenWithDescriptorsAlone() {
     rlimit before{};

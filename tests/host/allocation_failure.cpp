@@ -20,12 +20,15 @@
 #include <string>
 
 #include "qncorvane/qncorvane.h"
+#include "tests/support/ReplacedNew.h"
 
 namespace {
 
 long g_untilRefusal = -1;  // below 0: nothing is refused
 bool g_staysShort = false;
 long g_refused = 0;
+
+}  // namespace
 
 void* Allocate(std::size_t size, std::size_t alignment) {
   if (g_untilRefusal == 0) {
@@ -39,33 +42,6 @@ void* Allocate(std::size_t size, std::size_t alignment) {
   if (room == nullptr) throw std::bad_alloc();
   return room;
 }
-
-}  // namespace
-
-void* operator new(std::size_t size) { return Allocate(size, alignof(std::max_align_t)); }
-void* operator new[](std::size_t size) { return Allocate(size, alignof(std::max_align_t)); }
-void* operator new(std::size_t size, std::align_val_t alignment) {
-  return Allocate(size, static_cast<std::size_t>(alignment));
-}
-void* operator new[](std::size_t size, std::align_val_t alignment) {
-  return Allocate(size, static_cast<std::size_t>(alignment));
-}
-void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
-  try {
-    return Allocate(size, alignof(std::max_align_t));
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
-}
-void operator delete(void* room) noexcept { std::free(room); }
-void operator delete(void* room, const std::nothrow_t& /*tag*/) noexcept { std::free(room); }
-void operator delete[](void* room) noexcept { std::free(room); }
-void operator delete(void* room, std::size_t) noexcept { std::free(room); }
-void operator delete[](void* room, std::size_t) noexcept { std::free(room); }
-void operator delete(void* room, std::align_val_t) noexcept { std::free(room); }
-void operator delete[](void* room, std::align_val_t) noexcept { std::free(room); }
-void operator delete(void* room, std::size_t, std::align_val_t) noexcept { std::free(room); }
-void operator delete[](void* room, std::size_t, std::align_val_t) noexcept { std::free(room); }
 
 namespace {
 

@@ -33,12 +33,6 @@ namespace fs = std::filesystem;
 constexpr const char* kLog = "QnCorvane.txt";
 constexpr std::size_t kEntriesOfASale = 19;
 
-std::size_t EntriesIn(const std::string& bytes) {
-  std::size_t count = 0;
-  for (std::size_t at = bytes.find("\n\r"); at != std::string::npos; at = bytes.find("\n\r", at + 2)) ++count;
-  return count;
-}
-
 /// A till in a process of its own, whose log is flushed in one of the two ways.
 class LogFaults : public FreshTill, public ::testing::WithParamInterface<const char*> {
  protected:

@@ -271,6 +271,12 @@ std::string Till::State() {
   return GetState(word.Data());
 }
 
+std::size_t EntriesIn(const std::string& log) {
+  std::size_t count = 0;
+  for (std::size_t at = log.find("\n\r"); at != std::string::npos; at = log.find("\n\r", at + 2)) ++count;
+  return count;
+}
+
 std::vector<std::string> Till::TakeLog() {
   constexpr std::size_t kStampLength = sizeof "yyyy-MM-dd hh:mm:ss  " - 1;
   std::ifstream file(kLogFile, std::ios::binary);

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <utility>
@@ -28,6 +29,9 @@ class Row {
  private:
   std::vector<std::pair<std::string, std::string>> m_attributes;
 };
+
+/// How many entries a log's bytes hold.
+std::size_t EntriesIn(const std::string& log);
 
 /// The rows of a group of a result XML ("Plu", "ProResult", "Apportion", "ProGifts", "ProCoupons"), in document order.
 std::vector<Row> RowsOf(const std::string& result, const std::string& group);
