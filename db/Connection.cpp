@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QSqlDriver>
 #include <QVariant>
 #include <chrono>
@@ -30,15 +31,13 @@ QString FilePath(const QString& name) {
   return bare ? InHostDirectory(name) : name;
 }
 
+/// @param folder not empty.
+QString PathFrom(const QString& folder, const QString& name) {
+  return QDir::isAbsolutePath(name) ? name : folder + QLatin1Char('/') + name;
+}
+
 /// A value that no statement has: none holds a zero byte.
 const std::string kUnbound(1, '\0');
-
-QString FirstFreeName() {
-  const QString pattern = QStringLiteral("MyDBProcessConn%1");
-  int number = 0;
-  while (QSqlDatabase::database(pattern.arg(number), false).isValid()) ++number;
-  return pattern.arg(number);
-}
 
 /// A new connection in Qt's list. Qt looks for its drivers once, and when want of memory broke that off, it never comes to
 /// it again: the driver's file is loaded without it then.
@@ -54,15 +53,15 @@ QSqlDatabase NewDatabase(const QString& driver, const QString& name) {
 
 }  // namespace
 
-Connection::Connection() {
-  if (!ProcessEnd::HasCome()) Settings = ReadSettings();
+Connection::Connection(const QString& folder) : m_folder(folder) {
+  if (!ProcessEnd::HasCome()) Settings = ReadSettings(folder);
 }
 
 bool Connection::HasDriver() const { return !ProcessEnd::HasCome() && Db && !IsInherited() && Db->isValid(); }
 
 bool Connection::IsOpen() const { return HasDriver() && Db->isOpen(); }
 
-bool Connection::IsInherited() const { return m_maker != getpid(); }
+bool Connection::IsInherited() const { return Db != nullptr && m_maker != getpid(); }
 
 bool Connection::IsUsable() const { return !Use.IsOver() && IsOpen(); }
 
@@ -93,7 +92,7 @@ bool Connection::EnsureOpen(QString& error) {
 }
 
 bool Connection::MakeOpen(QString& reason) {
-  if (Db && IsInherited()) LeaveToItsProcess();
+  if (IsInherited()) LeaveToItsProcess();
   if (!HasDriverOrHope()) TryDriverAgain();
   if (Settings.DbType.isEmpty()) {
     reason = Translated("未设置数据库类型");
@@ -129,7 +128,7 @@ bool Connection::HasDriverOrHope() const {
 
 /// Settings or driver were not to be had: the file came later, or there was no descriptor left to read them with.
 void Connection::TryDriverAgain() {
-  Settings = ReadSettings();
+  Settings = ReadSettings(m_folder);
   if (Settings.DbType.isEmpty() || DbTypeUpper.isEmpty() || HasDriver()) return;
   if (!Db || Settings.DbType.toUpper() != DbTypeUpper) {
     SetKind(Settings.DbType);
@@ -145,6 +144,16 @@ void Connection::TryDriverAgain() {
 void Connection::Close() {
   LetGo();
   Db->close();
+}
+
+void Connection::End() {
+  if (!HasDriver()) return;
+  Close();
+  ProcessEnd::Forget(Db);
+  *Db = QSqlDatabase();  // Qt complains of a connection that somebody holds when it is taken out
+  QSqlDatabase::removeDatabase(ConnName);
+  Db = nullptr;
+  DbTypeUpper.clear();
 }
 
 /// Lets go of what belongs to the connection as it was opened.
@@ -175,6 +184,19 @@ void Connection::LeaveToItsProcess() {
   SetKind(DbTypeUpper);
 }
 
+/// A file that the settings name.
+QString Connection::FileIn(const QString& name) const {
+  return m_folder.isEmpty() ? FilePath(name) : PathFrom(m_folder, name);
+}
+
+/// The two faces of the engine may be in one process: neither takes the other's names.
+QString Connection::FirstFreeName() const {
+  const QString pattern = m_folder.isEmpty() ? QStringLiteral("MyDBProcessConn%1") : QStringLiteral("QnCorvaneHost%1");
+  int number = 0;
+  while (QSqlDatabase::database(pattern.arg(number), false).isValid()) ++number;
+  return pattern.arg(number);
+}
+
 void Connection::SetKind(const QString& type) {
   DbTypeUpper = type.toUpper();
   const QString driver = DriverOf(DbTypeUpper);
@@ -202,7 +224,7 @@ bool Connection::Open(const QString& server, const QString& database, QString& e
 bool Connection::OpenByKind(const QString& server, const QString& database, QString& error, const QString& user,
                             const QString& password, qint32 port) {
   if (DbTypeUpper == Kind::kSqlite) {
-    Db->setDatabaseName(FilePath(database.trimmed()));
+    Db->setDatabaseName(FileIn(database.trimmed()));
   } else if (DbTypeUpper == Kind::kMySql) {
     NameMySql(server, database, user, password);
   } else if (DbTypeUpper == Kind::kSqlServer) {
@@ -245,9 +267,10 @@ void Connection::NameOracle(const QString& server, const QString& database, cons
 bool Connection::NameAccess(const QString& server, const QString& database, QString& error, const QString& user,
                             const QString& password) {
   QString name = database;
-  if (!server.isEmpty() && !ReadConnectionFile(server, name, error)) return false;
+  const QString file = m_folder.isEmpty() || server.isEmpty() ? server : PathFrom(m_folder, server);
+  if (!file.isEmpty() && !ReadConnectionFile(file, name, error)) return false;
   Db->setDatabaseName(QStringLiteral("DRIVER={Microsoft Access Driver (*.mdb,*.accdb)};DBQ=%1;UID=%2;PWD=%3")
-                          .arg(FilePath(name), user.isEmpty() ? QStringLiteral("sa") : user, password));
+                          .arg(FileIn(name), user.isEmpty() ? QStringLiteral("sa") : user, password));
   return true;
 }
 

@@ -32,8 +32,9 @@ namespace Corvane {
 /// the inherited one is never touched again.
 class Connection {
  public:
-  /// Reads the settings. Opens nothing.
-  Connection();
+  /// Reads the settings of `folder`, from which their relative file names count then. An empty one is the current
+  /// directory, and a bare file name stands beside the host's executable. Opens nothing.
+  explicit Connection(const QString& folder = {});
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
 
@@ -50,8 +51,14 @@ class Connection {
   /// Driver options beside those of the timeouts, for the next open.
   void SetOptions(const QString& options) { m_options = options; }
 
+  /// Closes the connection and takes it out of Qt's list, on the thread that opened it. The next open makes another.
+  void End();
+
   /// Whether there is a connection with a driver, open or not.
   bool HasDriver() const;
+
+  /// Whether another process made the connection, which forked this one.
+  bool IsInherited() const;
 
   /// Whether statements may run: the connection is open, and the call that is running has not given it up.
   bool IsUsable() const;
@@ -129,7 +136,6 @@ class Connection {
     return Note(query, statement());
   }
   bool IsOpen() const;
-  bool IsInherited() const;
   void LeaveToItsProcess();
   bool HasDriverOrHope() const;
   void TryDriverAgain();
@@ -154,6 +160,10 @@ class Connection {
   bool BeginReading();
   void EndReading() noexcept;
 
+  QString FileIn(const QString& name) const;
+  QString FirstFreeName() const;
+
+  QString m_folder;  ///< empty for the current directory
   ConnectionHealth m_health{false};
   ConnectionHealth::Clock::time_point m_started;
   pid_t m_maker = 0;  ///< the process that made the connection

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <QString>
+#include <algorithm>
 #include <atomic>
 #include <vector>
 
@@ -11,6 +12,7 @@ namespace {
 
 /// Needs neither constructor nor destructor, so that it can be asked at any time.
 std::atomic<bool> g_hasCome{false};
+std::atomic<void (*)()> g_hold{nullptr};
 
 /// A connection in Qt's list, and the process that made it.
 struct Made {
@@ -34,6 +36,7 @@ void Close(QSqlDatabase& connection) {
 
 void Come() noexcept {
   if (g_hasCome.exchange(true)) return;
+  if (void (*const hold)() = g_hold.load()) hold();
   for (Made& connection : Connections()) {
     if (connection.Maker != getpid()) continue;
     try {
@@ -55,11 +58,19 @@ struct Guard {
 
 bool ProcessEnd::HasCome() { return g_hasCome.load(std::memory_order_relaxed); }
 
+void ProcessEnd::HoldFirst(void (*hold)()) { g_hold.store(hold); }
+
 void ProcessEnd::AfterSettings() { static const Guard guard; }
 
 void ProcessEnd::AfterConnection(const std::shared_ptr<QSqlDatabase>& connection) {
   Connections().push_back({connection, getpid()});
   static const Guard guard;
+}
+
+void ProcessEnd::Forget(const std::shared_ptr<QSqlDatabase>& connection) {
+  std::vector<Made>& made = Connections();
+  made.erase(std::remove_if(made.begin(), made.end(), [&](const Made& one) { return one.Db == connection; }),
+             made.end());
 }
 
 void ProcessEnd::AfterOpening() { static const Guard guard; }

@@ -17,12 +17,19 @@ class ProcessEnd {
   /// Whether the end has come. Every use of Qt's databases and settings asks this first.
   static bool HasCome();
 
+  /// Has `hold` called when the end comes, before a connection is touched, so that other threads can be waited for. To be
+  /// told before anything else here. @param hold must let no exception out.
+  static void HoldFirst(void (*hold)());
+
   /// Settings were read.
   static void AfterSettings();
 
   /// A connection was put into Qt's list; the end of this process will take it out, and that of a process forked from it
   /// will leave it alone: the server would hear of it. @param connection not null.
   static void AfterConnection(const std::shared_ptr<QSqlDatabase>& connection);
+
+  /// The connection was taken out of Qt's list.
+  static void Forget(const std::shared_ptr<QSqlDatabase>& connection);
 
   /// A connection was opened.
   static void AfterOpening();

@@ -2,7 +2,7 @@
 
 namespace Corvane {
 
-QnPosDBPro::QnPosDBPro() : Slot(std::make_shared<Connection>()) {}
+QnPosDBPro::QnPosDBPro(const QString& folder) : Slot(std::make_shared<Connection>(folder)) {}
 
 QnPosDBPro::~QnPosDBPro() = default;
 

@@ -35,9 +35,10 @@ namespace Corvane {
 /// the directory of the running executable.
 class QnPosDBPro {
  public:
-  /// Reads the settings from "config.ini" in the current directory. Opens nothing. They are read again by EnsureOpen
-  /// only as long as they name no kind, or the kind has no driver.
-  QnPosDBPro();
+  /// Reads the settings from "config.ini" in the current directory, or in `folder`, from which their relative file names
+  /// count then. Opens nothing. They are read again by EnsureOpen only as long as they name no kind, or the kind has no
+  /// driver.
+  explicit QnPosDBPro(const QString& folder = {});
 
   /// The copy uses the same settings and connection and sees the same recordsets, which live until their last holder
   /// lets them go.

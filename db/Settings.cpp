@@ -35,23 +35,27 @@ LogFlush FlushSetting(const QSettings& settings) {
 /// Qt keeps what it has read of a file until its size or time changes: also nothing, when the disk failed at it or memory
 /// was short. So a file that had no kind is read under another name of it the next time.
 ///
+/// @param folder  empty for the current directory.
 /// @param attempt counts the reads that came to no kind. Names come again after so many that Qt keeps none of them, which
 ///                are fewer than Linux follows links for.
-QString NameFor(unsigned attempt) {
+QString NameFor(const QString& folder, unsigned attempt) {
   constexpr unsigned kNames = 16;
-  QString name = QStringLiteral("config.ini");
+  const QString file = QStringLiteral("config.ini");
+  const QString inFolder = folder + QLatin1Char('/') + file;
+  QString name = folder.isEmpty() ? file : inFolder;
   if (attempt % kNames == 0) return name;
-  const QString otherName = QStringLiteral("/proc/self/root").repeated(static_cast<int>(attempt % kNames) - 1) +
-                            QStringLiteral("/proc/self/cwd/") + name;
+  const QString otherName =
+      QStringLiteral("/proc/self/root").repeated(static_cast<int>(attempt % kNames) - 1) +
+      (folder.isEmpty() ? QStringLiteral("/proc/self/cwd/") + file : QStringLiteral("/proc/self/root") + inFolder);
   return QFile::exists(otherName) ? otherName : name;
 }
 
 }  // namespace
 
-DatabaseSettings ReadSettings() {
+DatabaseSettings ReadSettings(const QString& folder) {
   static unsigned attempt = 0;
   DatabaseSettings read;
-  QSettings settings(NameFor(attempt++), QSettings::IniFormat);
+  QSettings settings(NameFor(folder, attempt++), QSettings::IniFormat);
   settings.setIniCodec("UTF-8");
   // Asked for single keys, Qt reads a group when it thinks that it holds the key: not "Log", while a "Log/Archive" that
   // would stand between the two in the alphabet is unread. Asked for all, it reads all groups.

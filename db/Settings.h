@@ -21,10 +21,10 @@ struct DatabaseSettings {
   qint32 ReadTimeout = DefaultTimeout;     ///< seconds for one statement; 0 for as long as it takes
 };
 
-/// Reads "config.ini" in the current directory. A timeout that is no whole number of seconds, 0 included, is the
+/// Reads "config.ini" in a folder; an empty one is the current directory. A timeout that is no whole number of seconds, 0 included, is the
 /// default. The file's one other group, "Log", is for the log, which is told at once: `Flush`, "call" or "entry"
 /// (log/LogFlush.h), in any letter case; anything else is "entry".
-DatabaseSettings ReadSettings();
+DatabaseSettings ReadSettings(const QString& folder = {});
 
 }  // namespace Corvane
 

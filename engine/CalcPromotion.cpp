@@ -30,7 +30,7 @@ std::int32_t RefuseMode(char* msg) {
   return -1;
 }
 
-std::int32_t Calculate(Text key, Text mode, Text xml, char* out, char* msg) {
+std::int32_t Calculate(Text key, Text mode, Text xml, ResultPlace out, char* msg) {
   const DatabaseCall call(Promotion::Instance().Database().Shared());
   ProSale& sale = ProSale::Create(key);
   std::int32_t lineIndex = 0;
@@ -43,7 +43,7 @@ std::int32_t Calculate(Text key, Text mode, Text xml, char* out, char* msg) {
 
 }  // namespace
 
-std::int32_t CalcPromotion(Text key, Text mode, Text xml, char* out, char* msg) {
+std::int32_t CalcPromotion(Text key, Text mode, Text xml, ResultPlace out, char* msg) {
   Log(OrEmpty(mode));
   ProState& state = ProState::Instance();
   if (state.Check(msg) != 1) {

@@ -4,12 +4,13 @@
 #include <cstdint>
 
 #include "base/Text.h"
+#include "engine/HostBuffer.h"
 
 namespace Corvane {
 
 /// The frame of every calculation: tests state and arguments, finds or creates the sale, merges the sale XML into it
 /// and runs the mode. include/qncorvane/qncorvane.h tells what a host may expect.
-std::int32_t CalcPromotion(Text key, Text mode, Text xml, char* out, char* msg);
+std::int32_t CalcPromotion(Text key, Text mode, Text xml, ResultPlace out, char* msg);
 
 }  // namespace Corvane
 

@@ -63,7 +63,7 @@ void RunPass(ProSale& sale, Text primary, Pass pass) {
 template <class Writer>
 std::int32_t HandOver(const Calculation& calculation, Writer write) {
   try {
-    CopyText(calculation.Out, write());
+    calculation.Out.Put(write());
     CopyText(calculation.Msg, StatusText(Status::Success));
     return 0;
   } catch (...) {

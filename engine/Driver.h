@@ -4,15 +4,16 @@
 #include <cstdint>
 
 #include "base/Text.h"
+#include "engine/HostBuffer.h"
 #include "sale/ProSale.h"
 
 namespace Corvane {
 
-/// What a mode works on: the sale, the line that the call brought (-1 for several), and the host's buffers.
+/// What a mode works on: the sale, the line that the call brought (-1 for several), where the result goes, and the host's buffer for the text.
 struct Calculation {
   ProSale& Sale;
   std::int32_t LineIndex;
-  char* Out;
+  ResultPlace Out;
   char* Msg;
 };
 

@@ -1,4 +1,5 @@
 #include "engine/CalcPromotion.h"
+#include "engine/HostBuffer.h"
 #include "engine/ProState.h"
 #include "engine/RuleCalls.h"
 #include "engine/SaleCalls.h"
@@ -43,7 +44,7 @@ int ClearPromotion(char* msg, const char* billNo) {
 }
 
 int CalcPromotion(const char* key, const char* mode, const char* xml, char* out, char* msg) {
-  return Guarded([&] { return Corvane::CalcPromotion(key, mode, xml, out, msg); });
+  return Guarded([&] { return Corvane::CalcPromotion(key, mode, xml, Corvane::ResultPlace(out), msg); });
 }
 
 int DeleteSaleSetByKey(const char* key) {

@@ -13,7 +13,7 @@ namespace Corvane {
 /// Writes one entry to the calculation log, the file in which a support person reads why a promotion did or did not
 /// apply: local time "yyyy-MM-dd hh:mm:ss", two blanks, the text, newline, carriage return.
 ///
-/// The file is "QnCorvane.txt" in the current directory, found by that name for every entry: the host may change its
+/// The file is "QnCorvane.txt" in the current directory, or in the folder of log/LogFolder.h, found by that name for every entry: the host may change its
 /// directory, delete or replace the file between two entries, and after each entry the file is complete. Within an
 /// exported call (log/LogCall.h) the host may have its entries gathered until the call ends (log/LogFlush.h); that leaves
 /// the same bytes. A file that an entry finds longer than 1000000 bytes starts anew with that entry. An entry that can't

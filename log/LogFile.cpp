@@ -11,11 +11,12 @@
 #include <ctime>
 #include <optional>
 
+#include "log/LogFolder.h"
+
 namespace Corvane {
 
 namespace {
 
-constexpr const char* kFileName = "QnCorvane.txt";
 constexpr off_t kLargestSize = 1000000;
 
 /// Makes a system call again for as long as a signal breaks it off.
@@ -155,7 +156,7 @@ void LogFile::Close() noexcept {
 
 /// @param state out: the state of the file that the name leads to.
 bool LogFile::IsStillThere(struct stat& state) const noexcept {
-  return m_descriptor >= 0 && stat(kFileName, &state) == 0 && IsSameFile(state, m_opened);
+  return m_descriptor >= 0 && stat(LogFileName(), &state) == 0 && IsSameFile(state, m_opened);
 }
 
 /// @param state out: the state of the file.
@@ -163,7 +164,7 @@ bool LogFile::Open(struct stat& state) noexcept {
   Close();
   // A pipe that nobody reads is refused, and one that is full doesn't hold the call.
   constexpr int kHow = O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK;
-  m_descriptor = Uninterrupted([] { return open(kFileName, kHow, 0666); });
+  m_descriptor = Uninterrupted([] { return open(LogFileName(), kHow, 0666); });
   if (m_descriptor < 0) return false;
   if (fstat(m_descriptor, &state) != 0) state = {};
   m_opened = state;

@@ -10,7 +10,8 @@
 
 namespace Corvane {
 
-/// The file "QnCorvane.txt" of the current directory. It is found by this name at each append, wherever the process may
+/// The file "QnCorvane.txt" of the current directory, or of the folder that was chosen (log/LogFolder.h). It is found by
+/// this name at each append, wherever the process may
 /// have gone and whatever has become of the file in between; a descriptor that is open already serves while the name
 /// leads to it.
 ///

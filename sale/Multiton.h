@@ -1,6 +1,7 @@
 #ifndef QNCORVANE_SALE_MULTITON_H
 #define QNCORVANE_SALE_MULTITON_H
 
+#include <cstddef>
 #include <map>
 #include <memory>
 
@@ -33,6 +34,9 @@ class Multiton {
     for (auto& entry : Store()) entry.second.reset();
     Store().clear();
   }
+
+  /// @return how many objects there are.
+  static std::size_t Count() { return Store().size(); }
 
  private:
   static std::map<Key, std::unique_ptr<Object>>& Store() {

@@ -41,6 +41,7 @@ void ProSale::ResetResults() {
   for (SalePlu& line : Plus) {
     line.ProResults.clear();
     line.Apportions.clear();
+    line.TotalBefore = line.Total;
   }
   ProGifts.clear();
   Gifts.clear();

@@ -109,6 +109,7 @@ SalePlu ReadLine(ProSale& sale, const TiXmlElement& row) {
   line.BillNo = sale.BillNo;
   // The attribute FinalPrice has no effect. A voided line, whose quantity is 0, has a price of 0.
   line.FinalPrice = Quotient(line.Total, line.PluCount);
+  line.TotalBefore = line.Total;
   return line;
 }
 

@@ -43,15 +43,16 @@ using Apportion = ProResult;
 
 /// One sale line.
 struct SalePlu : ProDetailKey {
-  double Price = 0;       ///< unit price
-  double FinalPrice = 0;  ///< unit price after discount; `Total` / `PluCount` when read
-  double VipPrice = 0;    ///< member price
-  double PluCount = 0;    ///< quantity
-  double Total = 0;       ///< line amount, lowered by discounts
-  double DisNum = 0;      ///< quantity that the last rule took on this line
-  double PackCnt = 0;     ///< pack count; 0 or 1 marks a single article
-  Text CAT = nullptr;     ///< category code
-  Text BRD = nullptr;     ///< brand code
+  double Price = 0;        ///< unit price
+  double FinalPrice = 0;   ///< unit price after discount; `Total` / `PluCount` when read
+  double VipPrice = 0;     ///< member price
+  double PluCount = 0;     ///< quantity
+  double Total = 0;        ///< line amount, lowered by discounts
+  double TotalBefore = 0;  ///< before the results that the line has: as it was sent, or an earlier subtotal left it
+  double DisNum = 0;       ///< quantity that the last rule took on this line
+  double PackCnt = 0;      ///< pack count; 0 or 1 marks a single article
+  Text CAT = nullptr;      ///< category code
+  Text BRD = nullptr;      ///< brand code
   /// (class word, code) pairs of the line; no pair stands twice. "CAT" and "BRD" are among them.
   std::vector<std::pair<Text, Text>> LineClasses;
   Text SaleDate = nullptr;            ///< "YYYY-MM-DD"

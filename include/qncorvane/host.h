@@ -92,7 +92,7 @@ QNCORVANE_API int qnc_open(const char* folder, qnc_engine** engine, char** error
 
 /**
  * Closes the engine: waits for the calls that came before, forgets rules and sales, closes the database. Whoever calls with
- * this engine afterwards gets QNC_CLOSED; the same engine may be closed again.
+ * this engine afterwards, to close it again included, gets QNC_CLOSED.
  */
 QNCORVANE_API int qnc_close(qnc_engine* engine, char** error);
 

@@ -1,0 +1,342 @@
+#include <QFileInfo>
+#include <QString>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <iterator>
+#include <new>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/Text.h"
+#include "engine/CalcPromotion.h"
+#include "engine/ProState.h"
+#include "engine/Promotion.h"
+#include "engine/RuleCalls.h"
+#include "engine/SaleCalls.h"
+#include "host/Failure.h"
+#include "host/ResultJson.h"
+#include "host/RuleFolder.h"
+#include "host/Session.h"
+#include "host/StoreCheck.h"
+#include "host/Version.h"
+#include "host/XmlCheck.h"
+#include "qncorvane/host.h"
+#include "rule/RuleType.h"
+#include "sale/ProSale.h"
+
+// The boundary of the safe face: plain C names in front of sessions, checks and the engine's own calls.
+
+namespace Corvane::Host {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+/// A text for the caller; null when there is no memory for one, or no place.
+void Give(char** place, const std::string& text) noexcept {
+  if (place == nullptr) return;
+  *place = static_cast<char*>(std::malloc(text.size() + 1));
+  if (*place != nullptr) std::memcpy(*place, text.c_str(), text.size() + 1);
+}
+
+void Clear(char** place) noexcept {
+  if (place != nullptr) *place = nullptr;
+}
+
+/// What a code says where nothing more is known.
+const char* TextOf(int code) noexcept {
+  switch (code) {
+    case QNC_NO_MEMORY:
+      return "memory is short; the call works when there is some again";
+    case QNC_REFUSED:
+      return "the engine could not do it; its log may say more";
+    default:
+      return "the call failed";
+  }
+}
+
+/// The last barrier: whatever a call throws becomes a code and a text.
+template <class Call>
+int Guarded(char** result, char** error, Call call) noexcept {
+  Clear(result);
+  Clear(error);
+  try {
+    Outcome outcome;
+    try {
+      outcome = call();
+    } catch (const Failure& failure) {
+      outcome = {failure.Code, failure.Text, {}};
+    }
+    if (!outcome.Result.empty()) Give(result, outcome.Result);
+    if (outcome.Code == QNC_OK) {
+      const bool isGiven = outcome.Result.empty() || result == nullptr || *result != nullptr;
+      return isGiven ? QNC_OK : (Give(error, TextOf(QNC_NO_MEMORY)), QNC_NO_MEMORY);
+    }
+    Give(error, outcome.Error.empty() ? TextOf(outcome.Code) : outcome.Error);
+    return outcome.Code;
+  } catch (const std::bad_alloc&) {
+    Give(error, TextOf(QNC_NO_MEMORY));
+    return QNC_NO_MEMORY;
+  } catch (...) {
+    Give(error, TextOf(QNC_REFUSED));
+    return QNC_REFUSED;
+  }
+}
+
+std::string Dump(const Json& json) { return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace); }
+
+/// An unknown flag may be one of a later version, whose meaning would be missed.
+void RequireFlags(unsigned flags, unsigned known) {
+  if ((flags & ~known) == 0) return;
+  Fail(QNC_BAD_ARGUMENT, "the flags " + std::to_string(flags & ~known) + " mean nothing in this call; leave them out");
+}
+
+void RequirePlace(const void* place, const char* name) {
+  if (place == nullptr) Fail(QNC_BAD_ARGUMENT, std::string("no place for ") + name + "; give the address of one");
+}
+
+// --- Rules -----------------------------------------------------------------------------------------------------------
+
+/// A rule that gives coupons is loaded under the word of those that take them.
+std::string LoadWord(const std::string& proType) {
+  return proType == TypeWord::kGiveCoupon ? TypeWord::kUseCoupon : proType;
+}
+
+void Load(const RuleHeader& header, const std::string& xml, const std::string& name) {
+  if (InitPromotion(LoadWord(header.ProType).c_str(), xml.c_str(), nullptr) == 0) return;
+  Fail(QNC_BAD_VALUE, name + ": ProType '" + header.ProType + "' is no type, or memory is short");
+}
+
+void ClearRules(const std::string& billNo) {
+  if (ClearPromotion(nullptr, billNo.c_str()) != 0) Fail(QNC_REFUSED, TextOf(QNC_REFUSED));
+}
+
+Json Told(const RuleFile& file, bool isLoaded) {
+  Json row = {{"file", file.Name}};
+  if (!file.Header.BillNo.empty()) row["billNo"] = file.Header.BillNo;
+  if (!file.Header.ProType.empty()) row["type"] = file.Header.ProType;
+  row["loaded"] = isLoaded;
+  if (file.Refusal) row["error"] = file.Refusal->Text;
+  return row;
+}
+
+/// Loads files on the engine's thread.
+///
+/// @param replace whether they take the place of all rules; then none is loaded unless all can be.
+void LoadFiles(const std::string& folder, std::vector<RuleFile> files, bool replace, Outcome& outcome) {
+  const auto isRefused = [](const RuleFile& file) { return file.Refusal.has_value(); };
+  const bool isHeld = replace && std::any_of(files.begin(), files.end(), isRefused);
+  if (replace && !isHeld) ClearRules("*");
+  Json report = {{"folder", folder}, {"loaded", 0}, {"refused", 0}, {"files", Json::array()}};
+  int loaded = 0;
+  int refused = 0;
+  for (RuleFile& file : files) {
+    try {
+      if (!file.Refusal && !isHeld) Load(file.Header, file.Xml, file.Name);
+    } catch (const Failure& failure) {
+      file.Refusal = failure;
+    }
+    const bool isLoaded = !file.Refusal && !isHeld;
+    loaded += isLoaded ? 1 : 0;
+    refused += file.Refusal ? 1 : 0;
+    if (file.Refusal && outcome.Code == QNC_OK) {
+      outcome.Code = file.Refusal->Code;
+      outcome.Error = file.Refusal->Text;
+    }
+    report["files"].push_back(Told(file, isLoaded));
+  }
+  report["loaded"] = loaded;
+  report["refused"] = refused;
+  outcome.Result = Dump(report);
+}
+
+// --- Sales -----------------------------------------------------------------------------------------------------------
+
+constexpr std::string_view kModes[] = {"Single", "All", "Union", "Zh", "MzPromotion", "Gift", "Pay", "Coupon"};
+
+void RequireMode(std::string_view mode) {
+  if (std::find(std::begin(kModes), std::end(kModes), mode) != std::end(kModes)) return;
+  std::string known;
+  for (const std::string_view name : kModes) known.append(known.empty() ? "" : ", ").append(name);
+  Fail(QNC_BAD_ARGUMENT, "mode '" + std::string(mode) + "' is none; the modes are " + known);
+}
+
+/// The mode of one scanned line works on the line that the text brings.
+void RequireLines(std::string_view mode, int lines) {
+  if (mode != kModes[0] || lines == 1) return;
+  Fail(QNC_BAD_VALUE, "sale: mode Single takes one line, and here are " + std::to_string(lines) +
+                          "; send the line that was scanned, and no other");
+}
+
+qnc_code CodeOf(std::int32_t answer) {
+  constexpr std::int32_t kTotalOverflow = -2;
+  constexpr std::int32_t kNumberOverflow = -3;
+  if (answer == kTotalOverflow) return QNC_TOTAL_OVERFLOW;
+  return answer == kNumberOverflow ? QNC_NUMBER_OVERFLOW : QNC_REFUSED;
+}
+
+std::string Explained(qnc_code code, const std::string& message) {
+  switch (code) {
+    case QNC_TOTAL_OVERFLOW:
+      return message + ": the gifts that were chosen cost more than the sale has reached; choose less and send again";
+    case QNC_NUMBER_OVERFLOW:
+      return message + ": more of a gift was chosen than is offered; choose less and send again";
+    default:
+      return message + ": the sale could not be calculated; forget it and send it again, and read the log";
+  }
+}
+
+struct Request {
+  std::string Key;
+  std::string Mode;
+  std::string Xml;
+  bool AsJson;
+};
+
+void Calculate(const Request& asked, Outcome& outcome) {
+  std::array<char, 1024> message{};  // above the longest status text by far
+  std::string result;
+  const std::int32_t answer =
+      CalcPromotion(asked.Key.c_str(), asked.Mode.c_str(), asked.Xml.c_str(), ResultPlace(result), message.data());
+  if (answer != 0) {
+    outcome.Code = CodeOf(answer);
+    outcome.Error = Explained(outcome.Code, message.data());
+    return;
+  }
+  const ProSale* const sale = ProSale::Find(asked.Key);
+  outcome.Result = asked.AsJson && sale != nullptr ? ResultJson(result, *sale) : std::move(result);
+}
+
+// --- State -----------------------------------------------------------------------------------------------------------
+
+std::string StateOf(const std::string& folder) {
+  Promotion& promotion = Promotion::Instance();
+  std::array<char, 16> word{};
+  Json state = {{"version", kVersion}, {"folder", folder}, {"state", ProState::Instance().Get(word.data())}};
+  state["rules"] = Json::array();
+  for (const RulePtr& rule : promotion.Rules()) state["rules"].push_back(OrEmpty(InfoOf(*rule).BillNo));
+  state["sales"] = ProSale::Count();
+  const Connection& database = promotion.Database().Shared();
+  state["database"] = {{"kind", database.DbTypeUpper.toStdString()}, {"open", database.IsUsable()}};
+  return Dump(state);
+}
+
+std::string InFolder(const std::string& base, const std::string& name) {
+  return !name.empty() && name.front() == '/' ? name : base + "/" + name;
+}
+
+}  // namespace
+
+}  // namespace Corvane::Host
+
+using namespace Corvane;        // NOLINT(google-build-using-namespace): the boundary speaks of both sides
+using namespace Corvane::Host;  // NOLINT(google-build-using-namespace)
+
+extern "C" {
+
+const char* qnc_version(void) { return kVersion; }
+
+void qnc_free(char* text) { std::free(text); }
+
+int qnc_open(const char* folder, qnc_engine** engine, char** error) {
+  if (engine != nullptr) *engine = nullptr;
+  return Guarded(nullptr, error, [&] {
+    RequirePlace(engine, "the engine");
+    return Session::Open(OrEmpty(folder), *engine);
+  });
+}
+
+int qnc_close(qnc_engine* engine, char** error) {
+  return Guarded(nullptr, error, [&] { return Session::Close(engine); });
+}
+
+int qnc_load_rule(qnc_engine* engine, const char* xml, const char* name, unsigned flags, unsigned limit_ms,
+                  char** error) {
+  return Guarded(nullptr, error, [&] {
+    RequireFlags(flags, QNC_LENIENT);
+    const std::string text = OrEmpty(xml);
+    const std::string shown = IsEmpty(name) ? "rule" : name;
+    const RuleHeader header = (flags & QNC_LENIENT) != 0 ? HeaderOf(text) : CheckRule(text, shown);
+    return Session::Do(engine, limit_ms, [=](Outcome&) { Load(header, text, shown); });
+  });
+}
+
+int qnc_load_rules(qnc_engine* engine, const char* folder, unsigned flags, unsigned limit_ms, char** report,
+                   char** error) {
+  return Guarded(report, error, [&] {
+    RequireFlags(flags, QNC_LENIENT | QNC_REPLACE);
+    const std::string shown = IsEmpty(folder) ? "rules" : folder;
+    const std::string path = InFolder(Session::FolderOf(engine), shown);
+    const std::vector<RuleFile> files = ReadRuleFolder(path, shown, (flags & QNC_LENIENT) != 0);
+    const bool replace = (flags & QNC_REPLACE) != 0;
+    return Session::Do(engine, limit_ms, [=](Outcome& outcome) { LoadFiles(path, files, replace, outcome); });
+  });
+}
+
+int qnc_clear_rules(qnc_engine* engine, const char* bill_no, unsigned limit_ms, char** error) {
+  return Guarded(nullptr, error, [&] {
+    const std::string number = OrEmpty(bill_no);
+    if (number.empty()) Fail(QNC_BAD_ARGUMENT, "no BillNo; name the rule, or * for all");
+    return Session::Do(engine, limit_ms, [=](Outcome&) { ClearRules(number); });
+  });
+}
+
+int qnc_calculate(qnc_engine* engine, const char* key, const char* mode, const char* xml, unsigned flags,
+                  unsigned limit_ms, char** result, char** error) {
+  return Guarded(result, error, [&] {
+    RequirePlace(result, "the result");
+    RequireFlags(flags, QNC_LENIENT | QNC_JSON);
+    const Request asked = {OrEmpty(key), OrEmpty(mode), OrEmpty(xml), (flags & QNC_JSON) != 0};
+    if (asked.Key.empty()) Fail(QNC_BAD_ARGUMENT, "no key; name the sale");
+    RequireMode(asked.Mode);
+    if (asked.Xml.empty()) Fail(QNC_BAD_XML, "sale:1:1: is empty; send an element at least, <Sale/>");
+    if ((flags & QNC_LENIENT) == 0) RequireLines(asked.Mode, CheckSale(asked.Xml, "sale"));
+    return Session::Do(engine, limit_ms, [=](Outcome& outcome) { Calculate(asked, outcome); });
+  });
+}
+
+int qnc_forget_sale(qnc_engine* engine, const char* key, unsigned limit_ms, char** error) {
+  return Guarded(nullptr, error, [&] {
+    const std::string name = OrEmpty(key);
+    return Session::Do(engine, limit_ms, [=](Outcome& outcome) {
+      if (DeleteSaleSetByKey(name.c_str()) != 0) outcome.Code = QNC_REFUSED;
+    });
+  });
+}
+
+int qnc_forget_sales(qnc_engine* engine, unsigned limit_ms, char** error) {
+  return Guarded(nullptr, error, [&] {
+    return Session::Do(engine, limit_ms, [](Outcome& outcome) {
+      if (ClearSaleSetForNet(nullptr) != 0) outcome.Code = QNC_REFUSED;
+    });
+  });
+}
+
+int qnc_state(qnc_engine* engine, unsigned limit_ms, char** state, char** error) {
+  return Guarded(state, error, [&] {
+    RequirePlace(state, "the state");
+    const std::string folder = Session::FolderOf(engine);
+    return Session::Do(engine, limit_ms, [=](Outcome& outcome) { outcome.Result = StateOf(folder); });
+  });
+}
+
+int qnc_check(const char* folder, unsigned limit_ms, char** report, char** error) {
+  return Guarded(report, error, [&] {
+    if (IsEmpty(folder)) Fail(QNC_BAD_ARGUMENT, "no folder is named; name the folder of a store");
+    const std::string path = QFileInfo(QString::fromUtf8(folder)).absoluteFilePath().toStdString();
+    return Session::DoAnyway(limit_ms, [=](Outcome& outcome) {
+      const Findings findings = CheckStore(path);
+      outcome.Result = ReportOf(path, findings);
+      const Finding* const first = FirstError(findings);
+      if (first == nullptr) return;
+      outcome.Code = first->Code;
+      outcome.Error = first->Text();
+    });
+  });
+}
+
+}  // extern "C"

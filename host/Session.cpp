@@ -1,0 +1,238 @@
+#include "host/Session.h"
+
+#include <pthread.h>
+#include <unistd.h>
+
+#include <QString>
+#include <QThread>
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <mutex>
+#include <new>
+#include <system_error>
+#include <utility>
+
+#include "db/ProcessEnd.h"
+#include "engine/Promotion.h"
+#include "engine/RuleCalls.h"
+#include "host/Failure.h"
+#include "host/StoreCheck.h"
+#include "host/Worker.h"
+#include "log/LogCall.h"
+#include "log/LogFolder.h"
+#include "sale/ProSale.h"
+
+namespace Corvane::Host {
+
+namespace {
+
+/// An open engine. What hosts hold of it is a number that never comes again: no call follows it as a pointer.
+struct Opened {
+  std::uintptr_t Number;
+  pid_t Process;
+  std::string Folder;
+  Worker Thread;
+  bool IsClosing = false;
+};
+
+// Nothing below is ever destroyed; calls may come at the process's very end.
+
+std::mutex g_opening;  ///< held while an engine is opened or closed
+std::mutex g_slot;     ///< for what follows it
+std::shared_ptr<Opened>* g_opened = nullptr;
+std::uintptr_t g_lastNumber = 0;
+
+std::shared_ptr<Opened>& Slot() {
+  if (g_opened == nullptr) g_opened = new std::shared_ptr<Opened>;
+  return *g_opened;
+}
+
+qnc_engine* HandleOf(std::uintptr_t number) {
+  return reinterpret_cast<qnc_engine*>(number);  // NOLINT(performance-no-int-to-ptr): never followed
+}
+
+/// A process is forked between two calls, so that it finds the engine in one piece.
+void PrepareForForks() {
+  static const int prepared = pthread_atfork(
+      [] {
+        g_opening.lock();
+        g_slot.lock();
+        WorkersHeld::Hold();
+      },
+      [] {
+        WorkersHeld::Release();
+        g_slot.unlock();
+        g_opening.unlock();
+      },
+      [] {
+        WorkersHeld::Release();
+        g_slot.unlock();
+        g_opening.unlock();
+      });
+  if (prepared != 0) throw std::bad_alloc();
+}
+
+/// To be called before the engine's thread touches anything.
+void Prepare() {
+  PrepareForForks();
+  ProcessEnd::HoldFirst([] { WorkersHeld::Hold(); });
+  // Qt takes the first thread that it hears of for the main one.
+  static_cast<void>(QThread::currentThread());
+}
+
+/// @return the engine of this handle; null when there is none.
+std::shared_ptr<Opened> Find(const qnc_engine* engine) {
+  if (ProcessEnd::HasCome()) return nullptr;
+  const std::lock_guard<std::mutex> lock(g_slot);
+  const std::shared_ptr<Opened>& opened = Slot();
+  const bool isMeant = opened != nullptr && HandleOf(opened->Number) == engine;
+  return isMeant && opened->Process == getpid() && !opened->IsClosing ? opened : nullptr;
+}
+
+Outcome Failed(qnc_code code, std::string text) { return {code, std::move(text), {}}; }
+
+Outcome NoEngine() {
+  return Failed(QNC_CLOSED, ProcessEnd::HasCome() ? "the process ends, and the engine is closed"
+                                                  : "there is no such engine in this process; open one by qnc_open");
+}
+
+/// Does a task; nothing comes out of it but its outcome.
+void Carry(const Task& task, Outcome& outcome) noexcept {
+  const LogCall logged;
+  try {
+    task(outcome);
+  } catch (const Failure& failure) {
+    outcome.Code = failure.Code;
+    outcome.Error = failure.Text;
+  } catch (const std::bad_alloc&) {
+    outcome.Code = QNC_NO_MEMORY;
+  } catch (...) {
+    outcome.Code = QNC_REFUSED;
+  }
+}
+
+Outcome DoOn(Worker& worker, unsigned limit_ms, const Task& task) {
+  const auto outcome = std::make_shared<Outcome>();
+  const Worker::Ended ended =
+      worker.Do([outcome, task] { Carry(task, *outcome); }, std::chrono::milliseconds(limit_ms));
+  const std::string limit = "after " + std::to_string(limit_ms) + " ms ";
+  switch (ended) {
+    case Worker::Ended::kDone:
+      return std::move(*outcome);
+    case Worker::Ended::kNotBegun:
+      return Failed(QNC_TIMED_OUT,
+                    limit + "the call had not begun, for others were at work; nothing was done, try again");
+    case Worker::Ended::kRunning:
+      return Failed(
+          QNC_TIMED_OUT,
+          limit + "the call was at work; it is carried through and its result is dropped, so send the sale again");
+    case Worker::Ended::kStopped:
+      break;
+  }
+  return NoEngine();
+}
+
+std::string AbsoluteFolder(const std::string& folder) {
+  if (folder.empty()) Fail(QNC_BAD_ARGUMENT, "no folder is named; name the folder of a store");
+  char* const path = realpath(folder.c_str(), nullptr);
+  if (path == nullptr) {
+    Fail(QNC_BAD_STORE, folder + ": there is no such folder: " + std::generic_category().message(errno) +
+                            "; name the folder of a store");
+  }
+  const std::string absolute = path;
+  std::free(path);
+  return absolute;
+}
+
+/// On the engine's thread.
+void EnterStore(const std::string& folder) {
+  const Findings findings = CheckDatabase(folder);
+  if (const Finding* const error = FirstError(findings)) Fail(error->Code, error->Text());
+  SetLogFolder(folder);
+  ProSale::DestroyAll();
+  Promotion::Enter(QString::fromStdString(folder));
+  FinishInitPro();
+  const bool isOpen = BeginInitPro() == 0;
+  FinishInitPro();
+  if (!isOpen) Fail(QNC_BAD_STORE, "config.ini: the database can't be opened; the log may say more");
+}
+
+void LeaveStore() {
+  ProSale::DestroyAll();
+  Promotion::Instance().Leave();
+}
+
+}  // namespace
+
+Outcome Session::Open(const std::string& folder, qnc_engine*& engine) {
+  Prepare();
+  const std::lock_guard<std::mutex> opening(g_opening);
+  if (ProcessEnd::HasCome()) return NoEngine();
+  if (const std::shared_ptr<Opened> held = Slot()) {
+    if (held->Process == getpid()) {
+      return Failed(QNC_ALREADY_OPEN, "this process has an engine open, on " + held->Folder + "; close that one first");
+    }
+    // The other process's thread is not here: nothing of it may be waited for.
+    static_cast<void>(new std::shared_ptr<Opened>(held));
+  }
+  const std::string absolute = AbsoluteFolder(folder);
+  auto opened = std::make_shared<Opened>();
+  Outcome outcome = DoOn(opened->Thread, 0, [absolute](Outcome&) { EnterStore(absolute); });
+  if (outcome.Code != QNC_OK) {
+    opened->Thread.Stop();
+    return outcome;
+  }
+  opened->Number = ++g_lastNumber;
+  opened->Process = getpid();
+  opened->Folder = absolute;
+  engine = HandleOf(opened->Number);
+  const std::lock_guard<std::mutex> lock(g_slot);
+  Slot() = std::move(opened);
+  return outcome;
+}
+
+Outcome Session::Close(const qnc_engine* engine) {
+  const std::lock_guard<std::mutex> opening(g_opening);
+  const std::shared_ptr<Opened> opened = Find(engine);
+  if (opened == nullptr) return NoEngine();
+  {
+    const std::lock_guard<std::mutex> lock(g_slot);
+    opened->IsClosing = true;
+  }
+  Outcome outcome = DoOn(opened->Thread, 0, [](Outcome&) { LeaveStore(); });
+  opened->Thread.Stop();
+  const std::lock_guard<std::mutex> lock(g_slot);
+  Slot() = nullptr;
+  return outcome;
+}
+
+Outcome Session::Do(const qnc_engine* engine, unsigned limit_ms, const Task& task) {
+  const std::shared_ptr<Opened> opened = Find(engine);
+  return opened == nullptr ? NoEngine() : DoOn(opened->Thread, limit_ms, task);
+}
+
+Outcome Session::DoAnyway(unsigned limit_ms, const Task& task) {
+  Prepare();
+  std::shared_ptr<Opened> opened;
+  {
+    const std::lock_guard<std::mutex> lock(g_slot);
+    if (ProcessEnd::HasCome()) return NoEngine();
+    const bool isHere = Slot() != nullptr && Slot()->Process == getpid() && !Slot()->IsClosing;
+    if (isHere) opened = Slot();
+  }
+  if (opened != nullptr) return DoOn(opened->Thread, limit_ms, task);
+  Worker worker;
+  return DoOn(worker, limit_ms, task);
+}
+
+std::string Session::FolderOf(const qnc_engine* engine) {
+  const std::shared_ptr<Opened> opened = Find(engine);
+  if (opened == nullptr) throw Failure{QNC_CLOSED, NoEngine().Error};
+  return opened->Folder;
+}
+
+}  // namespace Corvane::Host
