@@ -58,7 +58,10 @@ struct Guard {
 
 bool ProcessEnd::HasCome() { return g_hasCome.load(std::memory_order_relaxed); }
 
-void ProcessEnd::HoldFirst(void (*hold)()) { g_hold.store(hold); }
+void ProcessEnd::HoldFirst(void (*hold)()) {
+  g_hold.store(hold);
+  static const Guard guard;
+}
 
 void ProcessEnd::AfterSettings() { static const Guard guard; }
 

@@ -17,8 +17,8 @@ class ProcessEnd {
   /// Whether the end has come. Every use of Qt's databases and settings asks this first.
   static bool HasCome();
 
-  /// Has `hold` called when the end comes, before a connection is touched, so that other threads can be waited for. To be
-  /// told before anything else here. @param hold must let no exception out.
+  /// Has `hold` called when the end comes, before a connection is touched, so that other threads can be waited for. What
+  /// Qt has made by now is still there then. @param hold must let no exception out.
   static void HoldFirst(void (*hold)());
 
   /// Settings were read.

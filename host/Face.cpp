@@ -1,9 +1,9 @@
-#include <QFileInfo>
-#include <QString>
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
+#include <filesystem>
 #include <iterator>
 #include <new>
 #include <nlohmann/json.hpp>
@@ -194,10 +194,11 @@ struct Request {
   std::string Key;
   std::string Mode;
   std::string Xml;
-  bool AsJson;
+  unsigned Flags;
 };
 
 void Calculate(const Request& asked, Outcome& outcome) {
+  if ((asked.Flags & QNC_LENIENT) == 0) RequireLines(asked.Mode, CheckSale(asked.Xml, "sale"));
   std::array<char, 1024> message{};  // above the longest status text by far
   std::string result;
   const std::int32_t answer =
@@ -208,7 +209,7 @@ void Calculate(const Request& asked, Outcome& outcome) {
     return;
   }
   const ProSale* const sale = ProSale::Find(asked.Key);
-  outcome.Result = asked.AsJson && sale != nullptr ? ResultJson(result, *sale) : std::move(result);
+  outcome.Result = (asked.Flags & QNC_JSON) != 0 && sale != nullptr ? ResultJson(result, *sale) : std::move(result);
 }
 
 // --- State -----------------------------------------------------------------------------------------------------------
@@ -260,8 +261,9 @@ int qnc_load_rule(qnc_engine* engine, const char* xml, const char* name, unsigne
     RequireFlags(flags, QNC_LENIENT);
     const std::string text = OrEmpty(xml);
     const std::string shown = IsEmpty(name) ? "rule" : name;
-    const RuleHeader header = (flags & QNC_LENIENT) != 0 ? HeaderOf(text) : CheckRule(text, shown);
-    return Session::Do(engine, limit_ms, [=](Outcome&) { Load(header, text, shown); });
+    const bool isLenient = (flags & QNC_LENIENT) != 0;
+    return Session::Do(engine, limit_ms,
+                       [=](Outcome&) { Load(isLenient ? HeaderOf(text) : CheckRule(text, shown), text, shown); });
   });
 }
 
@@ -271,9 +273,11 @@ int qnc_load_rules(qnc_engine* engine, const char* folder, unsigned flags, unsig
     RequireFlags(flags, QNC_LENIENT | QNC_REPLACE);
     const std::string shown = IsEmpty(folder) ? "rules" : folder;
     const std::string path = InFolder(Session::FolderOf(engine), shown);
-    const std::vector<RuleFile> files = ReadRuleFolder(path, shown, (flags & QNC_LENIENT) != 0);
+    const bool isLenient = (flags & QNC_LENIENT) != 0;
     const bool replace = (flags & QNC_REPLACE) != 0;
-    return Session::Do(engine, limit_ms, [=](Outcome& outcome) { LoadFiles(path, files, replace, outcome); });
+    return Session::Do(engine, limit_ms, [=](Outcome& outcome) {
+      LoadFiles(path, ReadRuleFolder(path, shown, isLenient), replace, outcome);
+    });
   });
 }
 
@@ -290,11 +294,10 @@ int qnc_calculate(qnc_engine* engine, const char* key, const char* mode, const c
   return Guarded(result, error, [&] {
     RequirePlace(result, "the result");
     RequireFlags(flags, QNC_LENIENT | QNC_JSON);
-    const Request asked = {OrEmpty(key), OrEmpty(mode), OrEmpty(xml), (flags & QNC_JSON) != 0};
+    const Request asked = {OrEmpty(key), OrEmpty(mode), OrEmpty(xml), flags};
     if (asked.Key.empty()) Fail(QNC_BAD_ARGUMENT, "no key; name the sale");
     RequireMode(asked.Mode);
     if (asked.Xml.empty()) Fail(QNC_BAD_XML, "sale:1:1: is empty; send an element at least, <Sale/>");
-    if ((flags & QNC_LENIENT) == 0) RequireLines(asked.Mode, CheckSale(asked.Xml, "sale"));
     return Session::Do(engine, limit_ms, [=](Outcome& outcome) { Calculate(asked, outcome); });
   });
 }
@@ -327,7 +330,7 @@ int qnc_state(qnc_engine* engine, unsigned limit_ms, char** state, char** error)
 int qnc_check(const char* folder, unsigned limit_ms, char** report, char** error) {
   return Guarded(report, error, [&] {
     if (IsEmpty(folder)) Fail(QNC_BAD_ARGUMENT, "no folder is named; name the folder of a store");
-    const std::string path = QFileInfo(QString::fromUtf8(folder)).absoluteFilePath().toStdString();
+    const std::string path = std::filesystem::absolute(folder).lexically_normal().string();
     return Session::DoAnyway(limit_ms, [=](Outcome& outcome) {
       const Findings findings = CheckStore(path);
       outcome.Result = ReportOf(path, findings);

@@ -3,6 +3,8 @@
 #include <pthread.h>
 #include <unistd.h>
 
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QString>
 #include <QThread>
 #include <cerrno>
@@ -17,11 +19,13 @@
 #include <utility>
 
 #include "db/ProcessEnd.h"
+#include "db/Settings.h"
 #include "engine/Promotion.h"
 #include "engine/RuleCalls.h"
 #include "host/Failure.h"
 #include "host/StoreCheck.h"
 #include "host/Worker.h"
+#include "host/XmlCheck.h"
 #include "log/LogCall.h"
 #include "log/LogFolder.h"
 #include "sale/ProSale.h"
@@ -76,14 +80,6 @@ void PrepareForForks() {
   if (prepared != 0) throw std::bad_alloc();
 }
 
-/// To be called before the engine's thread touches anything.
-void Prepare() {
-  PrepareForForks();
-  ProcessEnd::HoldFirst([] { WorkersHeld::Hold(); });
-  // Qt takes the first thread that it hears of for the main one.
-  static_cast<void>(QThread::currentThread());
-}
-
 /// @return the engine of this handle; null when there is none.
 std::shared_ptr<Opened> Find(const qnc_engine* engine) {
   if (ProcessEnd::HasCome()) return nullptr;
@@ -136,6 +132,38 @@ Outcome DoOn(Worker& worker, unsigned limit_ms, const Task& task) {
   return NoEngine();
 }
 
+/// Has Qt make what it keeps for the whole process. The process may end while the engine's thread is at work: that end is
+/// held then until the work is done, but only what was made before can be held.
+void WarmUp() {
+  static_cast<void>(ReadSettings(QStringLiteral("/dev/null")));
+  {
+    QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("QnCorvaneHost"));
+    database.setDatabaseName(QStringLiteral(":memory:"));
+    if (database.open()) QSqlQuery(QStringLiteral("select 1"), database).next();
+  }
+  QSqlDatabase::removeDatabase(QStringLiteral("QnCorvaneHost"));
+  CheckSale(
+      "<Sale><Plu><Row SerialNo='1' PluCode='1' PluCount='1' Total='1' SaleDate='2024-06-15' "
+      "SaleTime='10:30:00'/></Plu></Sale>",
+      "sale");
+  ProcessEnd::HoldFirst([] { WorkersHeld::Hold(); });
+}
+
+/// To be called before a thread of the engine's touches anything, with g_opening held.
+void Prepare() {
+  static bool isDone = false;
+  if (isDone || ProcessEnd::HasCome()) return;
+  PrepareForForks();
+  // Qt takes the first thread that it hears of for the main one.
+  static_cast<void>(QThread::currentThread());
+  const Outcome outcome = [] {
+    Worker worker;
+    return DoOn(worker, 0, [](Outcome&) { WarmUp(); });
+  }();
+  if (outcome.Code != QNC_OK) throw Failure{outcome.Code, outcome.Error};
+  isDone = true;
+}
+
 std::string AbsoluteFolder(const std::string& folder) {
   if (folder.empty()) Fail(QNC_BAD_ARGUMENT, "no folder is named; name the folder of a store");
   char* const path = realpath(folder.c_str(), nullptr);
@@ -169,9 +197,9 @@ void LeaveStore() {
 }  // namespace
 
 Outcome Session::Open(const std::string& folder, qnc_engine*& engine) {
-  Prepare();
   const std::lock_guard<std::mutex> opening(g_opening);
   if (ProcessEnd::HasCome()) return NoEngine();
+  Prepare();
   if (const std::shared_ptr<Opened> held = Slot()) {
     if (held->Process == getpid()) {
       return Failed(QNC_ALREADY_OPEN, "this process has an engine open, on " + held->Folder + "; close that one first");
@@ -216,7 +244,10 @@ Outcome Session::Do(const qnc_engine* engine, unsigned limit_ms, const Task& tas
 }
 
 Outcome Session::DoAnyway(unsigned limit_ms, const Task& task) {
-  Prepare();
+  {
+    const std::lock_guard<std::mutex> opening(g_opening);
+    Prepare();
+  }
   std::shared_ptr<Opened> opened;
   {
     const std::lock_guard<std::mutex> lock(g_slot);
