@@ -1,11 +1,13 @@
 #include "host/ResultJson.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdint>
 #include <iterator>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <string_view>
+#include <system_error>
 #include <unordered_map>
 
 #include "base/Numbers.h"
@@ -37,13 +39,14 @@ bool IsAmong(const std::string_view (&names)[Size], std::string_view name) {
 /// The most cents that are told, upwards and downwards.
 constexpr std::int64_t kMostCents = std::numeric_limits<std::int64_t>::max();
 
-/// An amount in whole cents.
-std::int64_t CentsOf(double amount) {
-  constexpr double kMost = 9.0e18;
-  const double cents = RoundMoney(amount) * 100;
-  if (cents >= kMost) return kMostCents;
-  if (cents <= -kMost) return -kMostCents;
-  return static_cast<std::int64_t>(cents < 0 ? cents - 0.5 : cents + 0.5);
+/// An amount in whole cents, from its text with two decimals: digit by digit, since a number doesn't hold the cents of
+/// every amount.
+std::int64_t CentsOf(std::string digits) {
+  digits.erase(std::remove(digits.begin(), digits.end(), '.'), digits.end());
+  std::int64_t cents = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), cents);
+  if (error == std::errc::result_out_of_range) return digits.front() == '-' ? -kMostCents : kMostCents;
+  return std::max(cents, -kMostCents);
 }
 
 /// Coupons are texts throughout: they come and go as the host writes them.
@@ -65,7 +68,7 @@ Json RowOf(const TiXmlElement& element, Values values) {
     } else {
       row[name] = number;
     }
-    if (IsAmong(kAmounts, name)) row[name + "Cents"] = CentsOf(number);
+    if (IsAmong(kAmounts, name)) row[name + "Cents"] = CentsOf(value);
   }
   return row;
 }
@@ -103,7 +106,7 @@ std::int64_t AmountsBefore(const Json& lines, const ProSale& sale) {
   std::unordered_map<std::int64_t, double> amounts;
   for (const SalePlu& line : sale.Plus) amounts.emplace(line.SerialNo, line.TotalBefore);
   std::int64_t before = 0;
-  for (const Json& line : lines) before = Sum(before, CentsOf(amounts[line["SerialNo"].get<std::int64_t>()]));
+  for (const Json& line : lines) before = Sum(before, CentsOf(FormatF2(amounts[line["SerialNo"].get<std::int64_t>()])));
   return before;
 }
 

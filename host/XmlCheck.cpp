@@ -99,21 +99,26 @@ class StrictReader {
   }
 
   template <std::size_t Size>
-  void CheckFields(const Field (&fields)[Size], const QString& group) const {
+  void CheckFields(const Field (&fields)[Size], const QString& group) {
     for (const Field& field : fields) {
       if (group != QLatin1String(field.Group)) continue;
       const QString value = Value(field.Name);
       if (Fits(value, field.Form)) continue;
-      FailAt(field.Name,
+      NoteAt(field.Name,
              std::string(field.Name) + " '" + value.left(kMostShown).toStdString() + "' is not " + WordsOf(field.Form));
     }
   }
 
-  [[noreturn]] void FailAt(const char* attribute, const std::string& what) const {
-    Fail(QNC_BAD_VALUE, m_name + ":" + std::to_string(LineOf(attribute)) + ": " + what);
+  /// Notes that a value is wrong. The first one is told at the end: of a text that is no XML, that is told.
+  void NoteAt(const char* attribute, const std::string& what) {
+    if (m_wrong.empty()) m_wrong = m_name + ":" + std::to_string(LineOf(attribute)) + ": " + what;
   }
-
-  [[noreturn]] void FailWhole(const std::string& what) const { Fail(QNC_BAD_VALUE, m_name + ": " + what); }
+  void NoteWhole(const std::string& what) {
+    if (m_wrong.empty()) m_wrong = m_name + ": " + what;
+  }
+  void FailIfNoted() const {
+    if (!m_wrong.empty()) Fail(QNC_BAD_VALUE, m_wrong);
+  }
 
  private:
   static constexpr int kMostShown = 60;
@@ -194,15 +199,16 @@ class StrictReader {
   QString m_text;
   QXmlStreamReader m_reader;
   QStringList m_path;
+  std::string m_wrong;
   qint64 m_before = 0;  ///< where the present token begins
 };
 
 constexpr int kGroupDepth = 2;  ///< of a sale: Sale, group, row
 constexpr int kRuleDepth = 2;   ///< Rules, Rule
 
-void CheckLine(const StrictReader& reader) {
+void CheckLine(StrictReader& reader) {
   for (const char* const need : kLineNeeds) {
-    if (reader.Value(need).isEmpty()) reader.FailAt(need, std::string("the line has no ") + need);
+    if (reader.Value(need).isEmpty()) reader.NoteAt(need, std::string("the line has no ") + need);
   }
 }
 
@@ -210,12 +216,12 @@ RuleHeader HeaderHere(const StrictReader& reader) {
   return {reader.Value("BillNo").toStdString(), reader.Value("ProType").toStdString()};
 }
 
-void CheckHeader(const StrictReader& reader, const RuleHeader& header) {
-  if (header.BillNo.empty()) reader.FailAt("BillNo", "the rule has no BillNo");
-  if (header.ProType.empty()) reader.FailAt("ProType", "the rule has no ProType");
+void CheckHeader(StrictReader& reader, const RuleHeader& header) {
+  if (header.BillNo.empty()) reader.NoteAt("BillNo", "the rule has no BillNo");
+  if (header.ProType.empty()) reader.NoteAt("ProType", "the rule has no ProType");
   const bool isKnown = TypeOf(header.ProType.c_str()).Word[0] != '\0' && header.ProType != Family::kCombination;
   if (!isKnown) {
-    reader.FailAt("ProType", "ProType '" + header.ProType +
+    reader.NoteAt("ProType", "ProType '" + header.ProType +
                                  "' is no type; the types are PTXS, PTPL, PTOS, ZHZY, ZHGD, ZHTJ, ZHZX, MZMJ, MZDP, "
                                  "MZZM, MZZP, MZHG, MZZQ, MZZF and MZYQ");
   }
@@ -236,6 +242,7 @@ int CheckSale(const std::string& xml, const std::string& name) {
     if (isLine) CheckLine(reader);
     reader.CheckFields(kSaleFields, group);
   }
+  reader.FailIfNoted();
   return lines;
 }
 
@@ -247,16 +254,17 @@ RuleHeader CheckRule(const std::string& xml, const std::string& name) {
     const QStringList& path = reader.Path();
     if (path.size() < kRuleDepth) continue;
     if (path.size() == kRuleDepth) {
-      if (hasRule) reader.FailAt("BillNo", "a second rule; a text holds one rule");
+      if (hasRule) reader.NoteAt("BillNo", "a second rule; a text holds one rule");
+      if (!hasRule) header = HeaderHere(reader);
       hasRule = true;
-      header = HeaderHere(reader);
-      CheckHeader(reader, header);
+      CheckHeader(reader, HeaderHere(reader));
       reader.CheckFields(kRuleFields, QStringLiteral("Rule"));
     } else {
       reader.CheckFields(kRuleFields, path.at(kRuleDepth));
     }
   }
-  if (!hasRule) reader.FailWhole("no rule in it; a rule is an element within the document's own");
+  if (!hasRule) reader.NoteWhole("no rule in it; a rule is an element within the document's own");
+  reader.FailIfNoted();
   return header;
 }
 

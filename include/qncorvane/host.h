@@ -134,10 +134,12 @@ QNCORVANE_API int qnc_clear_rules(qnc_engine* engine, const char* bill_no, unsig
  * @param result out: the result XML, byte for byte that of the eight calls; with QNC_JSON an object:
  *               - "sale": the result's `BillNo` and `OrgCode`, and its groups as arrays in the result's order ("Plu",
  *                 "ProResult", "Apportion", "ProGifts", "ProCoupons"; those that the mode's form has), with the same
- *                 names. Numbers are numbers; each amount of money has its whole cents beside it, under its name and
+ *                 names; an offer's articles are its array "Goods". Numbers are numbers, `IsVip` is 0 or 1, and
+ *                 what is told of coupons stays text; each amount of money has its whole cents beside it, under its name and
  *                 "Cents".
  *               - "totals": "beforeCents", the amounts that were sent; "rules", by rule in the order of the discount
- *                 rows, "billNo", "type" and "cents"; "toPayCents"; and the same in currency units without "Cents".
+ *                 rows, "billNo", "type" and "cents"; "toPayCents"; and the same in currency units, "before", "money" of each
+ *                 rule, "toPay".
  */
 QNCORVANE_API int qnc_calculate(qnc_engine* engine, const char* key, const char* mode, const char* xml, unsigned flags,
                                 unsigned limit_ms, char** result, char** error);

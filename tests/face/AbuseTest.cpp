@@ -15,6 +15,7 @@ std::vector<int> EveryCall(qnc_engine* engine) {
   char* text = nullptr;
   std::vector<int> codes = {
       qnc_load_rule(engine, RuleXml("R").c_str(), nullptr, 0, 0, nullptr),
+      qnc_load_rule(engine, "no XML", nullptr, 0, 0, nullptr),
       qnc_load_rules(engine, nullptr, 0, 0, nullptr, nullptr),
       qnc_clear_rules(engine, "*", 0, nullptr),
       qnc_calculate(engine, "1", "All", "<Sale/>", 0, 0, &text, nullptr),
@@ -28,7 +29,7 @@ std::vector<int> EveryCall(qnc_engine* engine) {
 }
 
 TEST(Abuse, EnginesThatAreNoneAreNeverFollowed) {
-  const std::vector<int> closed(8, QNC_CLOSED);
+  const std::vector<int> closed(9, QNC_CLOSED);
   int local = 0;
   for (const std::uintptr_t garbage :
        {std::uintptr_t{0}, std::uintptr_t{1}, ~std::uintptr_t{0}, reinterpret_cast<std::uintptr_t>(&local)}) {

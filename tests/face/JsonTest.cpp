@@ -99,6 +99,12 @@ TEST_F(JsonResults, HoldTextsOfAnyKindAndNumbersOfAnySize) {
   EXPECT_EQ(json["totals"]["toPayCents"], 9223372036854775807);
 }
 
+TEST_F(JsonResults, HoldTheCentsOfAmountsThatNoNumberHolds) {
+  const Json json = Calculate("All", SaleXml(R"(SerialNo="1" PluCode="A" PluCount="1" Total="-99999999999999.97")"));
+  EXPECT_EQ(json["sale"]["Plu"][0]["TotalCents"], -9999999999999997);
+  EXPECT_EQ(json["totals"]["toPayCents"], -9999999999999997);
+}
+
 TEST_F(JsonResults, OfBytesThatAreNoTextAreJsonAllTheSame) {
   const Json json =
       Calculate("All", SaleXml("SerialNo=\"1\" PluCode=\"\xFF\" PluCount=\"1\" Total=\"1\""), QNC_LENIENT);

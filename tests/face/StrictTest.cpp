@@ -31,6 +31,11 @@ TEST_F(Strict, NamesLineAndColumnOfWhatIsNoXml) {
   EXPECT_THAT(Sale("<Sale BillNo='&nbsp;'/>").Error, StartsWith("sale:1:"));
 }
 
+TEST_F(Strict, TellsThatATextIsNoXmlBeforeWhatIsWrongInIt) {
+  EXPECT_EQ(Sale("<Sale><Plu><Row/></Plu>").Code, QNC_BAD_XML);
+  EXPECT_EQ(Rule("<Rules><Rule BillNo='A'>").Code, QNC_BAD_XML);
+}
+
 TEST_F(Strict, RefusesOtherEncodings) {
   EXPECT_EQ(Sale("<?xml version='1.0' encoding='utf-8'?><Sale/>").Code, QNC_OK);
   EXPECT_THAT(Sale("<?xml version='1.0' encoding='GBK'?><Sale/>").Error, HasSubstr("declares the encoding 'GBK'"));
