@@ -22,7 +22,6 @@
 #include "host/RuleFolder.h"
 #include "host/Session.h"
 #include "host/StoreCheck.h"
-#include "host/Version.h"
 #include "host/XmlCheck.h"
 #include "qncorvane/host.h"
 #include "rule/RuleType.h"
@@ -217,7 +216,7 @@ void Calculate(const Request& asked, Outcome& outcome) {
 std::string StateOf(const std::string& folder) {
   Promotion& promotion = Promotion::Instance();
   std::array<char, 16> word{};
-  Json state = {{"version", kVersion}, {"folder", folder}, {"state", ProState::Instance().Get(word.data())}};
+  Json state = {{"version", QNCORVANE_VERSION}, {"folder", folder}, {"state", ProState::Instance().Get(word.data())}};
   state["rules"] = Json::array();
   for (const RulePtr& rule : promotion.Rules()) state["rules"].push_back(OrEmpty(InfoOf(*rule).BillNo));
   state["sales"] = ProSale::Count();
@@ -239,7 +238,7 @@ using namespace Corvane::Host;  // NOLINT(google-build-using-namespace)
 
 extern "C" {
 
-const char* qnc_version(void) { return kVersion; }
+const char* qnc_version(void) { return QNCORVANE_VERSION; }
 
 void qnc_free(char* text) { std::free(text); }
 

@@ -11,7 +11,7 @@ import sys
 import tempfile
 
 # From the ground up. Rooms of one floor are neighbours and don't see each other.
-FLOORS = [["base"], ["log"], ["sale", "db"], ["rule"], ["promo"], ["engine"]]
+FLOORS = [["base"], ["log"], ["sale", "db"], ["rule"], ["promo"], ["engine"], ["host"]]
 FLOOR_OF = {room: floor for floor, rooms in enumerate(FLOORS) for room in rooms}
 # What every host sees; the engine's own rooms see it, too.
 FACE = "include"

@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # The project's own files, and what looks at each of them. Sourced by ./dev.
 
-source_folders=(base bench db engine include log promo rule sale samples tests tools)
+source_folders=(base bench db engine host include log promo rule sale samples tests tools)
 
 # Every C and C++ file of the project, with a zero byte behind each name.
 sources() {
