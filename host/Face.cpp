@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <iterator>
 #include <new>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,11 +17,13 @@
 #include "engine/RuleCalls.h"
 #include "engine/SaleCalls.h"
 #include "host/Failure.h"
+#include "host/JsonWriter.h"
 #include "host/ResultJson.h"
 #include "host/RuleFolder.h"
 #include "host/Session.h"
 #include "host/StoreCheck.h"
 #include "host/XmlCheck.h"
+#include "promo/RuleTable.h"
 #include "qncorvane/host.h"
 #include "rule/RuleType.h"
 #include "sale/ProSale.h"
@@ -32,8 +33,6 @@
 namespace Corvane::Host {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 /// A text for the caller; null when there is no memory for one, or no place.
 void Give(char** place, const std::string& text) noexcept {
@@ -86,8 +85,6 @@ int Guarded(char** result, char** error, Call call) noexcept {
   }
 }
 
-std::string Dump(const Json& json) { return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace); }
-
 /// An unknown flag may be one of a later version, whose meaning would be missed.
 void RequireFlags(unsigned flags, unsigned known) {
   if ((flags & ~known) == 0) return;
@@ -106,21 +103,48 @@ std::string LoadWord(const std::string& proType) {
 }
 
 void Load(const RuleHeader& header, const std::string& xml, const std::string& name) {
-  if (InitPromotion(LoadWord(header.ProType).c_str(), xml.c_str(), nullptr) == 0) return;
-  Fail(QNC_BAD_VALUE, name + ": ProType '" + header.ProType + "' is no type, or memory is short");
+  const std::string word = LoadWord(header.ProType);
+  const RuleKind* const kind = FindKind(RuleKinds(), word.c_str());
+  if (kind == nullptr) Fail(QNC_BAD_VALUE, name + ": ProType '" + header.ProType + "' is no type");
+  if (InitPromotion(word.c_str(), xml.c_str(), nullptr) != 0) throw std::bad_alloc();
 }
 
 void ClearRules(const std::string& billNo) {
   if (ClearPromotion(nullptr, billNo.c_str()) != 0) Fail(QNC_REFUSED, TextOf(QNC_REFUSED));
 }
 
-Json Told(const RuleFile& file, bool isLoaded) {
-  Json row = {{"file", file.Name}};
-  if (!file.Header.BillNo.empty()) row["billNo"] = file.Header.BillNo;
-  if (!file.Header.ProType.empty()) row["type"] = file.Header.ProType;
-  row["loaded"] = isLoaded;
-  if (file.Refusal) row["error"] = file.Refusal->Text;
-  return row;
+void Tell(JsonWriter& json, const RuleFile& file, bool isLoaded) {
+  json.Object();
+  json.Key("file").String(file.Name);
+  if (!file.Header.BillNo.empty()) json.Key("billNo").String(file.Header.BillNo);
+  if (!file.Header.ProType.empty()) json.Key("type").String(file.Header.ProType);
+  json.Key("loaded").Boolean(isLoaded);
+  if (file.Refusal) json.Key("error").String(file.Refusal->Text);
+  json.End();
+}
+
+std::string ReportOf(const std::string& folder, const std::vector<RuleFile>& files, bool isHeld) {
+  const auto isRefused = [](const RuleFile& file) { return file.Refusal.has_value(); };
+  const auto refused = std::count_if(files.begin(), files.end(), isRefused);
+  JsonWriter json;
+  json.Object();
+  json.Key("folder").String(folder);
+  json.Key("loaded").Integer(isHeld ? 0 : static_cast<std::int64_t>(files.size()) - refused);
+  json.Key("refused").Integer(refused);
+  json.Key("files").Array();
+  for (const RuleFile& file : files) Tell(json, file, !isHeld && !file.Refusal);
+  json.End();
+  json.End();
+  return json.Take();
+}
+
+void LoadFile(RuleFile& file) {
+  if (file.Refusal) return;
+  try {
+    Load(file.Header, file.Xml, file.Name);
+  } catch (const Failure& failure) {
+    file.Refusal = failure;
+  }
 }
 
 /// Loads files on the engine's thread.
@@ -130,27 +154,12 @@ void LoadFiles(const std::string& folder, std::vector<RuleFile> files, bool repl
   const auto isRefused = [](const RuleFile& file) { return file.Refusal.has_value(); };
   const bool isHeld = replace && std::any_of(files.begin(), files.end(), isRefused);
   if (replace && !isHeld) ClearRules("*");
-  Json report = {{"folder", folder}, {"loaded", 0}, {"refused", 0}, {"files", Json::array()}};
-  int loaded = 0;
-  int refused = 0;
-  for (RuleFile& file : files) {
-    try {
-      if (!file.Refusal && !isHeld) Load(file.Header, file.Xml, file.Name);
-    } catch (const Failure& failure) {
-      file.Refusal = failure;
-    }
-    const bool isLoaded = !file.Refusal && !isHeld;
-    loaded += isLoaded ? 1 : 0;
-    refused += file.Refusal ? 1 : 0;
-    if (file.Refusal && outcome.Code == QNC_OK) {
-      outcome.Code = file.Refusal->Code;
-      outcome.Error = file.Refusal->Text;
-    }
-    report["files"].push_back(Told(file, isLoaded));
-  }
-  report["loaded"] = loaded;
-  report["refused"] = refused;
-  outcome.Result = Dump(report);
+  if (!isHeld) std::for_each(files.begin(), files.end(), LoadFile);
+  outcome.Result = ReportOf(folder, files, isHeld);
+  const auto refused = std::find_if(files.begin(), files.end(), isRefused);
+  if (refused == files.end()) return;
+  outcome.Code = refused->Refusal->Code;
+  outcome.Error = refused->Refusal->Text;
 }
 
 // --- Sales -----------------------------------------------------------------------------------------------------------
@@ -215,14 +224,23 @@ void Calculate(const Request& asked, Outcome& outcome) {
 
 std::string StateOf(const std::string& folder) {
   Promotion& promotion = Promotion::Instance();
-  std::array<char, 16> word{};
-  Json state = {{"version", QNCORVANE_VERSION}, {"folder", folder}, {"state", ProState::Instance().Get(word.data())}};
-  state["rules"] = Json::array();
-  for (const RulePtr& rule : promotion.Rules()) state["rules"].push_back(OrEmpty(InfoOf(*rule).BillNo));
-  state["sales"] = ProSale::Count();
   const Connection& database = promotion.Database().Shared();
-  state["database"] = {{"kind", database.DbTypeUpper.toStdString()}, {"open", database.IsUsable()}};
-  return Dump(state);
+  std::array<char, 16> word{};
+  JsonWriter json;
+  json.Object();
+  json.Key("version").String(QNCORVANE_VERSION);
+  json.Key("folder").String(folder);
+  json.Key("state").String(ProState::Instance().Get(word.data()));
+  json.Key("rules").Array();
+  for (const RulePtr& rule : promotion.Rules()) json.String(OrEmpty(InfoOf(*rule).BillNo));
+  json.End();
+  json.Key("sales").Integer(static_cast<std::int64_t>(ProSale::Count()));
+  json.Key("database").Object();
+  json.Key("kind").String(database.DbTypeUpper.toStdString());
+  json.Key("open").Boolean(database.IsUsable());
+  json.End();
+  json.End();
+  return json.Take();
 }
 
 std::string InFolder(const std::string& base, const std::string& name) {

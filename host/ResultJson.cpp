@@ -5,27 +5,24 @@
 #include <cstdint>
 #include <iterator>
 #include <limits>
-#include <nlohmann/json.hpp>
 #include <string_view>
 #include <system_error>
 #include <unordered_map>
+#include <vector>
 
 #include "base/Numbers.h"
 #include "base/Text.h"
 #include "base/Xml.h"
+#include "host/JsonWriter.h"
 
 namespace Corvane::Host {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-constexpr std::string_view kNumbers[] = {
-    "SerialNo",   "Price",     "FinalPrice", "PluCount",  "DisNum",     "Total",    "PackCnt",
-    "PluDtId",    "PageNo",    "LnNo",       "YhBefore",  "VipPrice",   "DisMoney", "AppNum",
-    "AppMoney",   "IsVip",     "RowID",      "LeftTotal", "UsedTotal",  "DscPrice", "BaseConNum",
-    "BaseDscNum", "AddConNum", "AddDscNum",  "SaleMaxIn", "HgPluCount", "CanPart",
-};
+/// What stays text; all else that a result tells is a number.
+constexpr std::string_view kTextFields[] = {"BillNo",   "OrgCode",  "PluCode", "BRD",       "CAT",
+                                            "SaleDate", "SaleTime", "ClsId",   "PluID",     "ProBillNo",
+                                            "ProType",  "VipType",  "PluType", "BaseConTp", "BaseDscTp"};
 
 /// What is an amount to the cent. `FinalPrice` has four decimals; two others lose their cents on the way out.
 constexpr std::string_view kAmounts[] = {"Price",     "Total",     "DisMoney", "AppMoney",
@@ -49,51 +46,14 @@ std::int64_t CentsOf(std::string digits) {
   return std::max(cents, -kMostCents);
 }
 
-/// Coupons are texts throughout: they come and go as the host writes them.
-enum class Values { kByName, kTexts };
-
-Json RowOf(const TiXmlElement& element, Values values) {
-  Json row = Json::object();
-  for (const TiXmlAttribute& attribute : Attributes(element)) {
-    const std::string name = attribute.Name();
-    const Text value = attribute.Value();
-    if (values == Values::kTexts || !IsAmong(kNumbers, name)) {
-      row[name] = value;
-      continue;
-    }
-    const double number = ToDouble(value);
-    const bool isWhole = std::string_view(value).find('.') == std::string_view::npos;
-    if (isWhole) {
-      row[name] = static_cast<std::int64_t>(TruncToInt32(number));
-    } else {
-      row[name] = number;
-    }
-    if (IsAmong(kAmounts, name)) row[name + "Cents"] = CentsOf(value);
-  }
-  return row;
+/// Cents as a number of currency units.
+std::string UnitsOf(std::int64_t cents) {
+  constexpr std::int64_t kCentsOfUnit = 100;
+  constexpr std::int64_t kTen = 10;
+  const std::int64_t rest = std::abs(cents % kCentsOfUnit);
+  const std::string sign = cents < 0 ? "-" : "";
+  return sign + std::to_string(std::abs(cents / kCentsOfUnit)) + (rest < kTen ? ".0" : ".") + std::to_string(rest);
 }
-
-Json GroupOf(const TiXmlElement& group) {
-  const Values values = std::string_view(group.Value()) == "ProCoupons" ? Values::kTexts : Values::kByName;
-  Json rows = Json::array();
-  for (const TiXmlElement& element : ChildElements(group)) {
-    Json row = RowOf(element, values);
-    if (std::string_view(element.Value()) == "ProGift") {
-      row["Goods"] = Json::array();
-      for (const TiXmlElement& goods : ChildElements(element)) row["Goods"].push_back(RowOf(goods, Values::kByName));
-    }
-    rows.push_back(std::move(row));
-  }
-  return rows;
-}
-
-Json SaleOf(const TiXmlElement& root) {
-  Json sale = RowOf(root, Values::kTexts);
-  for (const TiXmlElement& group : ChildElements(root)) sale[group.Value()] = GroupOf(group);
-  return sale;
-}
-
-double CurrencyOf(std::int64_t cents) { return static_cast<double>(cents) / 100; }
 
 /// Sums of cents stay within what there is.
 std::int64_t Sum(std::int64_t left, std::int64_t right) {
@@ -102,54 +62,117 @@ std::int64_t Sum(std::int64_t left, std::int64_t right) {
   return left < 0 ? -kMostCents : kMostCents;
 }
 
-std::int64_t AmountsBefore(const Json& lines, const ProSale& sale) {
-  std::unordered_map<std::int64_t, double> amounts;
+// --- The result ------------------------------------------------------------------------------------------------------
+
+/// Coupons are texts throughout: they come and go as the host writes them.
+enum class Values { kByName, kTexts };
+
+void WriteFields(JsonWriter& json, const TiXmlElement& element, Values values) {
+  for (const TiXmlAttribute& attribute : Attributes(element)) {
+    const std::string_view name = attribute.NameTStr();
+    json.Key(name);
+    if (values == Values::kTexts || IsAmong(kTextFields, name)) {
+      json.String(attribute.ValueStr());
+      continue;
+    }
+    json.Number(attribute.ValueStr());
+    if (IsAmong(kAmounts, name)) json.Key(std::string(name) + "Cents").Integer(CentsOf(attribute.ValueStr()));
+  }
+}
+
+void WriteRow(JsonWriter& json, const TiXmlElement& element, Values values) {
+  json.Object();
+  WriteFields(json, element, values);
+  if (std::string_view(element.Value()) == "ProGift") {
+    json.Key("Goods").Array();
+    for (const TiXmlElement& goods : ChildElements(element)) WriteRow(json, goods, Values::kByName);
+    json.End();
+  }
+  json.End();
+}
+
+void WriteSale(JsonWriter& json, const TiXmlElement& root) {
+  json.Object();
+  WriteFields(json, root, Values::kTexts);
+  for (const TiXmlElement& group : ChildElements(root)) {
+    const Values values = std::string_view(group.Value()) == "ProCoupons" ? Values::kTexts : Values::kByName;
+    json.Key(group.Value()).Array();
+    for (const TiXmlElement& row : ChildElements(group)) WriteRow(json, row, values);
+    json.End();
+  }
+  json.End();
+}
+
+// --- The totals ------------------------------------------------------------------------------------------------------
+
+std::int64_t AmountsBefore(const TiXmlElement* lines, const ProSale& sale) {
+  std::unordered_map<std::int32_t, double> amounts;
   for (const SalePlu& line : sale.Plus) amounts.emplace(line.SerialNo, line.TotalBefore);
   std::int64_t before = 0;
-  for (const Json& line : lines) before = Sum(before, CentsOf(FormatF2(amounts[line["SerialNo"].get<std::int64_t>()])));
+  for (const TiXmlElement& line : ChildElements(lines)) {
+    before = Sum(before, CentsOf(FormatF2(amounts[ToInt32(line.Attribute("SerialNo"))])));
+  }
   return before;
 }
 
+/// What a rule took off the lines.
+struct RuleSum {
+  std::string BillNo;
+  std::string ProType;
+  std::int64_t Cents;
+};
+
 /// The rows of the lines, summed up by rule. Those of the whole sale tell again what stands in the lines' rows, or coupons
 /// that are given.
-Json RulesOf(const Json& rows) {
-  Json rules = Json::array();
+std::vector<RuleSum> SumsOf(const TiXmlElement* rows) {
+  std::vector<RuleSum> sums;
   std::unordered_map<std::string, std::size_t> places;
-  for (const Json& row : rows) {
-    if (row["PluCode"] == "*" && !row.contains("RowID")) continue;
-    const std::int64_t cents = row["DisMoneyCents"].get<std::int64_t>();
-    const auto [held, isNew] = places.emplace(row["ProBillNo"].get<std::string>(), rules.size());
-    if (isNew) {
-      rules.push_back({{"billNo", row["ProBillNo"]}, {"type", row["ProType"]}, {"cents", cents}});
-    } else {
-      Json& sum = rules[held->second]["cents"];
-      sum = Sum(sum.get<std::int64_t>(), cents);
-    }
+  for (const TiXmlElement& row : ChildElements(rows)) {
+    if (row.Attribute("RowID") == nullptr && Same(row.Attribute("PluCode"), "*")) continue;
+    const std::string billNo = OrEmpty(row.Attribute("ProBillNo"));
+    const auto [place, isNew] = places.emplace(billNo, sums.size());
+    if (isNew) sums.push_back({billNo, OrEmpty(row.Attribute("ProType")), 0});
+    RuleSum& sum = sums[place->second];
+    sum.Cents = Sum(sum.Cents, CentsOf(OrEmpty(row.Attribute("DisMoney"))));
   }
-  for (Json& rule : rules) rule["money"] = CurrencyOf(rule["cents"].get<std::int64_t>());
-  return rules;
+  return sums;
 }
 
-Json TotalsOf(const Json& result, const ProSale& sale) {
-  const std::int64_t before = AmountsBefore(result["Plu"], sale);
-  const Json rules = RulesOf(result["ProResult"]);
+void WriteTotals(JsonWriter& json, const TiXmlElement& root, const ProSale& sale) {
+  const std::int64_t before = AmountsBefore(root.FirstChildElement("Plu"), sale);
   std::int64_t toPay = before;
-  for (const Json& rule : rules) toPay = Sum(toPay, -rule["cents"].get<std::int64_t>());
-  return {{"before", CurrencyOf(before)},
-          {"beforeCents", before},
-          {"rules", rules},
-          {"toPay", CurrencyOf(toPay)},
-          {"toPayCents", toPay}};
+  json.Object();
+  json.Key("before").Number(UnitsOf(before));
+  json.Key("beforeCents").Integer(before);
+  json.Key("rules").Array();
+  for (const RuleSum& sum : SumsOf(root.FirstChildElement("ProResult"))) {
+    json.Object();
+    json.Key("billNo").String(sum.BillNo);
+    json.Key("type").String(sum.ProType);
+    json.Key("cents").Integer(sum.Cents);
+    json.Key("money").Number(UnitsOf(sum.Cents));
+    json.End();
+    toPay = Sum(toPay, -sum.Cents);
+  }
+  json.End();
+  json.Key("toPay").Number(UnitsOf(toPay));
+  json.Key("toPayCents").Integer(toPay);
+  json.End();
 }
 
 }  // namespace
 
 std::string ResultJson(const std::string& xml, const ProSale& sale) {
   const XmlDocument document(xml.c_str());
-  Json json = Json::object();
-  json["sale"] = SaleOf(*document.Root());
-  json["totals"] = TotalsOf(json["sale"], sale);
-  return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+  const TiXmlElement& root = *document.Root();
+  JsonWriter json;
+  json.Object();
+  json.Key("sale");
+  WriteSale(json, root);
+  json.Key("totals");
+  WriteTotals(json, root, sale);
+  json.End();
+  return json.Take();
 }
 
 }  // namespace Corvane::Host

@@ -1,39 +1,55 @@
 #include "host/RuleFolder.h"
 
+#include <dirent.h>
+
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <memory>
 #include <system_error>
 
 namespace Corvane::Host {
 
 namespace {
 
-namespace fs = std::filesystem;
+bool EndsWith(const std::string& text, const std::string& end) {
+  return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
 
+[[noreturn]] void FailAtFolder(const std::string& shown, int error) {
+  Fail(QNC_UNREADABLE,
+       shown + ": the folder can't be read: " + std::generic_category().message(error) + "; put the rules there");
+}
+
+/// The system's own calls: the standard library's iterator ends the process when memory is short.
 std::vector<std::string> NamesIn(const std::string& folder, const std::string& shown) {
+  const std::unique_ptr<DIR, int (*)(DIR*)> opened(opendir(folder.c_str()), closedir);
+  if (opened == nullptr) FailAtFolder(shown, errno);
   std::vector<std::string> names;
-  std::error_code error;
-  fs::directory_iterator entry(folder, error);
-  for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-    if (entry->path().extension() == ".xml") names.push_back(entry->path().filename().string());
+  errno = 0;
+  while (const dirent* const entry = readdir(opened.get())) {
+    if (EndsWith(entry->d_name, ".xml")) names.emplace_back(entry->d_name);
+    errno = 0;
   }
-  if (error) Fail(QNC_UNREADABLE, shown + ": the folder can't be read: " + error.message() + "; put the rules there");
+  if (errno != 0) FailAtFolder(shown, errno);
   std::sort(names.begin(), names.end());
   return names;
 }
 
 std::string ReadFile(const std::string& path, const std::string& shown) {
   std::error_code ignored;
-  if (!fs::is_regular_file(path, ignored)) Fail(QNC_UNREADABLE, shown + ": is no file; take it out of the folder");
-  const std::ifstream file(path, std::ios::binary);
-  if (!file) Fail(QNC_UNREADABLE, shown + ": can't be read: " + std::strerror(errno));
-  std::ostringstream text;
-  text << file.rdbuf();
-  return text.str();
+  if (!std::filesystem::is_regular_file(path, ignored)) {
+    Fail(QNC_UNREADABLE, shown + ": is no file; take it out of the folder");
+  }
+  std::ifstream file(path, std::ios::binary);
+  if (!file) Fail(QNC_UNREADABLE, shown + ": can't be read: " + std::generic_category().message(errno));
+  std::string text(static_cast<std::size_t>(std::filesystem::file_size(path, ignored)), '\0');
+  file.read(text.data(), static_cast<std::streamsize>(text.size()));
+  if (static_cast<std::size_t>(file.gcount()) != text.size()) {
+    Fail(QNC_UNREADABLE, shown + ": can't be read whole; try again");
+  }
+  return text;
 }
 
 RuleFile ReadRule(const std::string& folder, const std::string& shown, const std::string& name, bool lenient) {

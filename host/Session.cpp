@@ -101,9 +101,9 @@ void Carry(const Task& task, Outcome& outcome) noexcept {
   const LogCall logged;
   try {
     task(outcome);
-  } catch (const Failure& failure) {
+  } catch (Failure& failure) {
     outcome.Code = failure.Code;
-    outcome.Error = failure.Text;
+    outcome.Error = std::move(failure.Text);
   } catch (const std::bad_alloc&) {
     outcome.Code = QNC_NO_MEMORY;
   } catch (...) {
@@ -189,6 +189,11 @@ void EnterStore(const std::string& folder) {
   if (!isOpen) Fail(QNC_BAD_STORE, "config.ini: the database can't be opened; the log may say more");
 }
 
+void Mark(Opened& opened, bool isClosing) {
+  const std::lock_guard<std::mutex> lock(g_slot);
+  opened.IsClosing = isClosing;
+}
+
 void LeaveStore() {
   ProSale::DestroyAll();
   Promotion::Instance().Leave();
@@ -209,14 +214,15 @@ Outcome Session::Open(const std::string& folder, qnc_engine*& engine) {
   }
   const std::string absolute = AbsoluteFolder(folder);
   auto opened = std::make_shared<Opened>();
+  opened->Number = g_lastNumber + 1;
+  opened->Process = getpid();
+  opened->Folder = absolute;
   Outcome outcome = DoOn(opened->Thread, 0, [absolute](Outcome&) { EnterStore(absolute); });
   if (outcome.Code != QNC_OK) {
     opened->Thread.Stop();
     return outcome;
   }
-  opened->Number = ++g_lastNumber;
-  opened->Process = getpid();
-  opened->Folder = absolute;
+  g_lastNumber = opened->Number;
   engine = HandleOf(opened->Number);
   const std::lock_guard<std::mutex> lock(g_slot);
   Slot() = std::move(opened);
@@ -227,11 +233,14 @@ Outcome Session::Close(const qnc_engine* engine) {
   const std::lock_guard<std::mutex> opening(g_opening);
   const std::shared_ptr<Opened> opened = Find(engine);
   if (opened == nullptr) return NoEngine();
-  {
-    const std::lock_guard<std::mutex> lock(g_slot);
-    opened->IsClosing = true;
+  Mark(*opened, true);
+  Outcome outcome;
+  try {
+    outcome = DoOn(opened->Thread, 0, [](Outcome&) { LeaveStore(); });
+  } catch (...) {
+    Mark(*opened, false);  // short of memory, the engine stays open
+    throw;
   }
-  Outcome outcome = DoOn(opened->Thread, 0, [](Outcome&) { LeaveStore(); });
   opened->Thread.Stop();
   const std::lock_guard<std::mutex> lock(g_slot);
   Slot() = nullptr;

@@ -10,12 +10,12 @@
 #include <QString>
 #include <QStringList>
 #include <map>
-#include <nlohmann/json.hpp>
 
 #include "db/Kind.h"
 #include "db/QnPosDBPro.h"
 #include "db/Settings.h"
 #include "host/Failure.h"
+#include "host/JsonWriter.h"
 #include "host/RuleFolder.h"
 #include "host/StoreTables.h"
 #include "log/LogFlush.h"
@@ -261,16 +261,22 @@ const Finding* FirstError(const Findings& findings) {
 }
 
 std::string ReportOf(const std::string& folder, const Findings& findings) {
-  nlohmann::ordered_json report = {{"folder", folder}, {"ok", FirstError(findings) == nullptr}};
-  report["findings"] = nlohmann::ordered_json::array();
+  JsonWriter json;
+  json.Object();
+  json.Key("folder").String(folder);
+  json.Key("ok").Boolean(FirstError(findings) == nullptr);
+  json.Key("findings").Array();
   for (const Finding& finding : findings) {
-    const bool isError = finding.Weight == Finding::Severity::kError;
-    report["findings"].push_back({{"severity", isError ? "error" : "warning"},
-                                  {"where", finding.Where},
-                                  {"what", finding.What},
-                                  {"mend", finding.Mend}});
+    json.Object();
+    json.Key("severity").String(finding.Weight == Finding::Severity::kError ? "error" : "warning");
+    json.Key("where").String(finding.Where);
+    json.Key("what").String(finding.What);
+    json.Key("mend").String(finding.Mend);
+    json.End();
   }
-  return report.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+  json.End();
+  json.End();
+  return json.Take();
 }
 
 }  // namespace Corvane::Host
