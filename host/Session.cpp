@@ -171,7 +171,7 @@ std::string AbsoluteFolder(const std::string& folder) {
     Fail(QNC_BAD_STORE, folder + ": there is no such folder: " + std::generic_category().message(errno) +
                             "; name the folder of a store");
   }
-  const std::string absolute = path;
+  std::string absolute = path;
   std::free(path);
   return absolute;
 }

@@ -181,7 +181,8 @@ class StrictReader {
   /// Where an attribute's name stands in a tag, outside of values.
   static int PlaceOf(const QString& element, QLatin1String name) {
     QChar quote;
-    for (int place = element.lastIndexOf(QLatin1Char('<')); place < element.size(); ++place) {
+    // The parser may have taken the bracket with the text before it.
+    for (int place = std::max(element.lastIndexOf(QLatin1Char('<')), 0); place < element.size(); ++place) {
       const QChar letter = element.at(place);
       if (!quote.isNull()) {
         if (letter == quote) quote = QChar();

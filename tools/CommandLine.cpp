@@ -1,26 +1,49 @@
 #include "CommandLine.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
-#include <array>
-#include <string_view>
+#include <map>
+#include <sstream>
+#include <system_error>
 
+#include "StoreTemplates.h"
 #include "ToolError.h"
+#include "qncorvane/host.h"
 
 namespace Corvane::Tool {
 namespace {
 
-constexpr std::array<std::string_view, 8> kModes = {"Single",      "All",  "Union", "Zh",
-                                                    "MzPromotion", "Gift", "Pay",   "Coupon"};
+namespace fs = std::filesystem;
+
+const std::vector<std::string> kModes = {"Single", "All", "Union", "Zh", "MzPromotion", "Gift", "Pay", "Coupon"};
+const std::vector<std::string> kGenerated = {"man", "bash", "zsh", "fish"};
+const std::vector<std::string> kCommands = {"calc", "init", "check", "help"};
+
+const TermList kExitCodes{"Exit status",
+                          {{"0", "all was done: every step calculated, no error found"},
+                           {"1", "a file, a rule, the database or a step failed, or a check found an error"},
+                           {"2", "the command line makes no sense"}}};
+const TermList kEnvironment{"Environment",
+                            {{"NO_COLOR", "no colours on a terminal when it is set; elsewhere there are none anyway"}}};
+const TermList kFiles{"Files",
+                      {{"config.ini", "the store's settings"},
+                       {"rules/*.xml", "its rules, one to a file"},
+                       {"goods.xml", "names of goods, for receipts"},
+                       {"QnCorvane.txt", "its log"}}};
 
 [[noreturn]] void RefuseUsage(const std::string& text) {
   throw ToolError(text + "\nTry 'qncorvane --help'.", ToolError::kUsage);
 }
 
+std::string Joined(const std::vector<std::string>& words) {
+  std::string joined;
+  for (const std::string& word : words) joined += (joined.empty() ? "" : ", ") + word;
+  return joined;
+}
+
 void RequireKnownMode(const std::string& mode) {
   if (std::find(kModes.begin(), kModes.end(), mode) != kModes.end()) return;
-  std::string known;
-  for (const std::string_view name : kModes) known.append(known.empty() ? "" : ", ").append(name);
-  RefuseUsage("unknown mode '" + mode + "'; the modes are " + known);
+  RefuseUsage("unknown mode '" + mode + "'; the modes are " + Joined(kModes));
 }
 
 Step ParseStep(const std::string& text) {
@@ -29,7 +52,7 @@ Step ParseStep(const std::string& text) {
   RequireKnownMode(step.mode);
   if (equals == std::string::npos) return step;
   if (equals + 1 == text.size()) RefuseUsage("no file behind '" + text + "'");
-  step.saleFile = std::filesystem::absolute(text.substr(equals + 1));
+  step.saleFile = text.substr(equals + 1);
   return step;
 }
 
@@ -44,114 +67,304 @@ std::vector<Step> ParseSteps(const std::string& text) {
   return steps;
 }
 
-/// The arguments behind "calc", taken one after the other.
-class ArgumentReader {
- public:
-  explicit ArgumentReader(const std::vector<std::string>& arguments) : m_arguments(arguments) {}
+/// What the arguments of the commands are read into.
+struct Values {
+  CalcCommand calc;
+  std::string mode;
+  fs::path sale;
+  bool asXml = false;
+  bool asJson = false;
+  InitCommand init;
+  CheckCommand check;
+  GenerateCommand generate;
+  std::string helpTopic;
+};
 
-  [[nodiscard]] bool AtEnd() const { return m_next == m_arguments.size(); }
-  const std::string& Take() { return m_arguments[m_next++]; }
-  const std::string& TakeValue(const std::string& option) {
-    if (AtEnd()) RefuseUsage(option + " needs a value");
-    return Take();
+/// The commands, their options and what help says of them: the one place where they are defined.
+class Definitions {
+ public:
+  Definitions() {
+    m_app.name("qncorvane");
+    m_app.set_help_flag("-h,--help", "show this text");
+    m_app.set_version_flag("--version", std::string("qncorvane ") + qnc_version(), "show the version");
+    // With one command chosen, its name and those of the others are ordinary words: files may be called so.
+    m_app.require_subcommand(0, 1);
+    m_app.footer(kProgramDetails);
+    DefineCalc();
+    DefineInit();
+    DefineCheck();
+    DefineHelp();
+    DefineGenerate();
+  }
+  Definitions(const Definitions&) = delete;
+  Definitions& operator=(const Definitions&) = delete;
+
+  /// @return the name of the command in the arguments.
+  std::string Parse(std::vector<std::string> arguments) {
+    // The parser takes them from the end.
+    std::reverse(arguments.begin(), arguments.end());
+    m_app.parse(std::move(arguments));
+    return ChosenCommand();
+  }
+
+  /// @return the name of the command that was chosen, or the empty text.
+  [[nodiscard]] std::string ChosenCommand() const {
+    const std::vector<CLI::App*> chosen = m_app.get_subcommands();
+    return chosen.empty() ? std::string() : chosen.front()->get_name();
+  }
+
+  [[nodiscard]] bool WasGiven(const std::string& command, const std::string& option) const {
+    return m_app.get_subcommand(command)->count(option) > 0;
+  }
+
+  [[nodiscard]] const Values& Read() const { return m_values; }
+
+  [[nodiscard]] ProgramText Describe() const {
+    ProgramText text;
+    text.version = qnc_version();
+    text.program = DescribeApp(m_app);
+    for (const std::string& name : kCommands) text.commands.push_back(DescribeApp(*m_app.get_subcommand(name)));
+    text.lists = {kExitCodes, kEnvironment, kFiles};
+    return text;
   }
 
  private:
-  const std::vector<std::string>& m_arguments;
-  std::size_t m_next = 1;
+  /// An option or an argument with the kind of its value.
+  CLI::Option* Add(CLI::Option* option, const std::string& value, ValueKind kind,
+                   const std::vector<std::string>& words = {}) {
+    m_kinds[option] = {kind, words};
+    return option->type_name(value);
+  }
+
+  void DefineCalc() {
+    CLI::App& calc = *m_app.add_subcommand("calc", "run a sale, or a folder of sales, through the engine");
+    calc.footer(kCalcDetails);
+    CalcCommand& values = m_values.calc;
+    Add(calc.add_option(
+            "--store", values.store,
+            "the store: DIR/config.ini names the database, DIR/rules/*.xml are the rules, one to a file, and "
+            "DIR/goods.xml has the names of the goods, if they have any; the log is DIR/QnCorvane.txt"),
+        "DIR", ValueKind::folder)
+        ->required();
+    Add(calc.add_option(
+            "--mode", m_values.mode,
+            "what to calculate, one step after the other on the same sale. A STEP is MODE or MODE=FILE, with "
+            "MODE one of " +
+                Joined(kModes) + ", and FILE the sale XML sent with that step"),
+        "STEP[,STEP...]", ValueKind::words, kModes)
+        ->required();
+    Add(calc.add_option("--key", values.key, "the key under which the engine keeps the sale (default: 1)"), "KEY",
+        ValueKind::text);
+    Add(calc.add_option("--out", values.resultPath,
+                        "where the result of the last step goes (default: out/result.xml; with --xml and --json: "
+                        "nowhere); for a folder of sales the folder of their results (default: nowhere)"),
+        "FILE", ValueKind::file);
+    CLI::Option* const xml =
+        calc.add_flag("--xml", m_values.asXml, "print the result XML of the last step alone, byte for byte");
+    calc.add_flag("--json", m_values.asJson, "print the result of the last step as JSON, alone")->excludes(xml);
+    calc.add_flag("--lenient", values.isLenient,
+                  "read XML as far as it goes, and whatever its values are, in place of refusing it");
+    Add(calc.add_option("SALE", m_values.sale,
+                        "the sale XML of the first step, if that has no FILE of its own; - is standard input; a folder "
+                        "stands for every *.xml in it, each a sale of its own"),
+        "SALE", ValueKind::file);
+  }
+
+  void DefineInit() {
+    CLI::App& init = *m_app.add_subcommand("init", "make a store that works, with one rule and a sale");
+    init.footer(kInitDetails);
+    Add(init.add_option("DIR", m_values.init.folder, "the folder to make; one that is there must be empty"), "DIR",
+        ValueKind::folder)
+        ->required();
+    const std::vector<std::string> types = TemplateTypes();
+    Add(init.add_option("--type", m_values.init.type,
+                        "the type of the rule, one of " + Joined(types) + " (default: PTXS)"),
+        "TYPE", ValueKind::words, types)
+        ->check([types](const std::string& word) {
+          const bool isKnown = std::find(types.begin(), types.end(), word) != types.end();
+          return isKnown ? std::string() : "unknown type '" + word + "'; the types are " + Joined(types);
+        });
+  }
+
+  void DefineCheck() {
+    CLI::App& check =
+        *m_app.add_subcommand("check", "look through a store: settings, driver, database, tables, columns, rules");
+    check.footer(kCheckDetails);
+    Add(check.add_option("--store", m_values.check.store, "the store's folder"), "DIR", ValueKind::folder)->required();
+    check.add_flag("--json", m_values.check.asJson, "print what was found as JSON, alone");
+  }
+
+  void DefineHelp() {
+    CLI::App& help = *m_app.add_subcommand("help", "show what the program or one of its commands does");
+    help.footer("");
+    Add(help.add_option("COMMAND", m_values.helpTopic, "the command; none for the whole program"), "COMMAND",
+        ValueKind::words, kCommands);
+  }
+
+  /// For those who build and package the program: left out of help.
+  void DefineGenerate() {
+    CLI::App& generate = *m_app.add_subcommand("generate", "make the manual page or the completions of a shell");
+    generate.group("");
+    generate.add_option("KIND", m_values.generate.kind, "one of " + Joined(kGenerated))
+        ->required()
+        ->check([](const std::string& word) {
+          const bool isKnown = std::find(kGenerated.begin(), kGenerated.end(), word) != kGenerated.end();
+          return isKnown ? std::string() : "unknown kind '" + word + "'; the kinds are " + Joined(kGenerated);
+        });
+    generate.add_option("FILE", m_values.generate.file, "where it goes (default: standard output)");
+  }
+
+  [[nodiscard]] ArgumentText DescribeArgument(const CLI::Option& option) const {
+    ArgumentText text;
+    for (const std::string& name : option.get_snames()) text.names.push_back("-" + name);
+    for (const std::string& name : option.get_lnames()) text.names.push_back("--" + name);
+    text.text = option.get_description();
+    text.isRequired = option.get_required();
+    const auto found = m_kinds.find(&option);
+    if (found == m_kinds.end()) return text;
+    text.value = option.get_type_name();
+    text.kind = found->second.kind;
+    text.words = found->second.words;
+    return text;
+  }
+
+  [[nodiscard]] CommandText DescribeApp(const CLI::App& app) const {
+    CommandText text{app.get_name(), app.get_description(), {}, {}};
+    std::istringstream paragraphs(app.get_footer());
+    for (std::string line; std::getline(paragraphs, line);) text.details.push_back(line);
+    for (const CLI::Option* option : app.get_options()) text.arguments.push_back(DescribeArgument(*option));
+    return text;
+  }
+
+  struct Kind {
+    ValueKind kind;
+    std::vector<std::string> words;
+  };
+
+  // A paragraph a line; one that begins with two blanks is an example.
+  static constexpr const char* kProgramDetails =
+      "'qncorvane COMMAND --help' tells the options of a command.\n"
+      "  qncorvane init corner-shop\n"
+      "  qncorvane check --store corner-shop\n"
+      "  qncorvane calc --store corner-shop --mode All corner-shop/sale.xml";
+  static constexpr const char* kCalcDetails =
+      "A later step without a FILE sends the sale's header alone (BillNo, OrgCode, IsCalc) and so works on what the "
+      "engine "
+      "holds.\n"
+      "Rules are loaded in the order of their file names. A rule's attribute Name, and goods.xml, are for receipts "
+      "alone: "
+      "the engine does not look at them.\n"
+      "Of a folder of sales each is calculated for itself and gets a line with what was sent and what is to pay. One "
+      "that "
+      "fails is told and counted, and the rest goes on; the exit code is 1 then.\n"
+      "  qncorvane calc --store shop --mode All sale.xml\n"
+      "  qncorvane calc --store shop --mode All,MzPromotion --json - < sale.xml\n"
+      "  qncorvane calc --store shop --mode All,MzPromotion sales/ --out results/\n"
+      "  qncorvane calc --store shop --mode Single=scan1.xml,Single=scan2.xml,All=sale.xml,Pay=card.xml";
+  static constexpr const char* kInitDetails =
+      "The store has a database file of SQLite with all tables (store.db), the settings (config.ini), a rule with its "
+      "rows "
+      "(rules/), names of goods (goods.xml), and a sale on which the rule gives something (sale.xml).\n"
+      "  qncorvane init corner-shop\n"
+      "  qncorvane init --type ZHGD bundles";
+  static constexpr const char* kCheckDetails =
+      "Nothing is loaded and nothing changed. The exit code is 0 where no error was found, 1 otherwise.\n"
+      "  qncorvane check --store shop";
+
+  Values m_values;
+  std::map<const CLI::Option*, Kind> m_kinds;
+  CLI::App m_app{"runs sales through the promotion engine of a store"};
 };
 
-struct Parsed {
-  CommandLine line;
-  std::filesystem::path firstSale;
-  bool resultFileGiven = false;
-};
+void ChooseForm(const Values& values, CalcCommand& command) {
+  if (values.asXml) command.form = Form::xml;
+  if (values.asJson) command.form = Form::json;
+}
 
-void TakeArgument(ArgumentReader& reader, Parsed& parsed) {
-  const std::string& argument = reader.Take();
-  if (argument == "--help" || argument == "-h") {
-    parsed.line.help = true;
-  } else if (argument == "--xml") {
-    parsed.line.rawResult = true;
-  } else if (argument == "--store") {
-    parsed.line.store = std::filesystem::absolute(reader.TakeValue(argument));
-  } else if (argument == "--mode") {
-    parsed.line.steps = ParseSteps(reader.TakeValue(argument));
-  } else if (argument == "--key") {
-    parsed.line.key = reader.TakeValue(argument);
-  } else if (argument == "--out") {
-    parsed.line.resultFile = std::filesystem::absolute(reader.TakeValue(argument));
-    parsed.resultFileGiven = true;
-  } else if (argument.rfind("--", 0) == 0) {
-    RefuseUsage("unknown option '" + argument + "'");
-  } else if (parsed.firstSale.empty()) {
-    parsed.firstSale = std::filesystem::absolute(argument);
-  } else {
-    RefuseUsage("more than one SALE.xml; give the files of later steps as MODE=FILE");
+/// A folder gives each sale a key of its own, and the first step's file.
+void RequireStepsOfAFolder(const CalcCommand& command) {
+  if (command.form == Form::xml) RefuseUsage("--xml prints one sale, not a folder; --out DIR writes the results");
+  for (const Step& step : command.steps) {
+    if (!step.saleFile.empty()) RefuseUsage("with a folder of sales no step has a FILE of its own");
   }
 }
 
-void RequireComplete(const Parsed& parsed) {
-  if (parsed.line.store.empty()) RefuseUsage("--store DIR is missing");
-  if (parsed.line.steps.empty()) RefuseUsage("--mode MODE is missing");
-  if (parsed.line.key.empty()) RefuseUsage("--key must not be empty");
-  const bool firstStepHasFile = !parsed.line.steps.front().saleFile.empty();
-  if (firstStepHasFile && !parsed.firstSale.empty()) {
-    RefuseUsage("the first step has a file of its own and SALE.xml is given too; which one is it?");
+void RequireFirstSale(const Values& values, CalcCommand& command) {
+  fs::path& first = command.steps.front().saleFile;
+  if (!first.empty() && !values.sale.empty()) {
+    RefuseUsage("the first step has a file of its own and SALE is given too; which one is it?");
   }
-  if (!firstStepHasFile && parsed.firstSale.empty()) RefuseUsage("SALE.xml is missing");
+  if (first.empty() && values.sale.empty()) RefuseUsage("SALE is missing");
+  if (first.empty()) first = values.sale;
+  const auto readsInput = [](const Step& step) { return step.saleFile == "-"; };
+  if (std::count_if(command.steps.begin(), command.steps.end(), readsInput) > 1) {
+    RefuseUsage("standard input can be read once");
+  }
+}
+
+CalcCommand FinishCalc(const Values& values, bool keyGiven) {
+  CalcCommand command = values.calc;
+  command.steps = ParseSteps(values.mode);
+  ChooseForm(values, command);
+  if (command.store.empty()) RefuseUsage("--store must not be empty");
+  if (command.key.empty()) RefuseUsage("--key must not be empty");
+  std::error_code unreadable;
+  if (values.sale != "-" && fs::is_directory(values.sale, unreadable)) {
+    if (keyGiven) RefuseUsage("--key names one sale, not those of a folder");
+    RequireStepsOfAFolder(command);
+    command.salesFolder = values.sale;
+    return command;
+  }
+  RequireFirstSale(values, command);
+  if (command.resultPath.empty() && command.form == Form::receipt) command.resultPath = fs::path("out") / "result.xml";
+  return command;
+}
+
+const CommandText& CommandNamed(const ProgramText& text, const std::string& name) {
+  for (const CommandText& command : text.commands) {
+    if (command.name == name) return command;
+  }
+  RefuseUsage("unknown command '" + name + "'; the commands are " + Joined(kCommands));
+}
+
+std::string HelpOn(const ProgramText& text, const std::string& name) {
+  return name.empty() ? ProgramHelp(text) : CommandHelp(text, CommandNamed(text, name));
+}
+
+/// The parser only says that some word was not expected; this one can be told better.
+void RequireCommand(const std::vector<std::string>& arguments) {
+  if (arguments.empty()) RefuseUsage("no command; the commands are " + Joined(kCommands));
+  const std::string& first = arguments.front();
+  if (first.rfind('-', 0) == 0 || first == "generate") return;
+  if (std::find(kCommands.begin(), kCommands.end(), first) != kCommands.end()) return;
+  RefuseUsage("unknown command '" + first + "'; the commands are " + Joined(kCommands));
 }
 
 }  // namespace
 
-CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
-  Parsed parsed;
-  if (arguments.empty()) RefuseUsage("no command");
-  if (arguments.front() == "help" || arguments.front() == "--help" || arguments.front() == "-h") {
-    parsed.line.help = true;
-    return parsed.line;
+Command ParseCommandLine(const std::vector<std::string>& arguments) {
+  RequireCommand(arguments);
+  Definitions definitions;
+  std::string name;
+  try {
+    name = definitions.Parse(arguments);
+  } catch (const CLI::CallForHelp&) {
+    return PrintCommand{HelpOn(definitions.Describe(), definitions.ChosenCommand())};
+  } catch (const CLI::CallForVersion& version) {
+    return PrintCommand{std::string(version.what()) + "\n"};
+  } catch (const CLI::ParseError& error) {
+    RefuseUsage(error.what());
   }
-  if (arguments.front() != "calc") RefuseUsage("unknown command '" + arguments.front() + "'");
-
-  ArgumentReader reader(arguments);
-  while (!reader.AtEnd()) TakeArgument(reader, parsed);
-  if (parsed.line.help) return parsed.line;
-
-  RequireComplete(parsed);
-  if (!parsed.firstSale.empty()) parsed.line.steps.front().saleFile = parsed.firstSale;
-  if (!parsed.resultFileGiven && !parsed.line.rawResult) {
-    parsed.line.resultFile = std::filesystem::absolute("out/result.xml");
-  }
-  return parsed.line;
+  const Values& values = definitions.Read();
+  if (name == "calc") return FinishCalc(values, definitions.WasGiven("calc", "--key"));
+  if (name == "init" && values.init.folder.empty()) RefuseUsage("DIR must not be empty");
+  if (name == "init") return values.init;
+  if (name == "check") return values.check;
+  if (name == "generate") return values.generate;
+  if (name == "help") return PrintCommand{HelpOn(definitions.Describe(), values.helpTopic)};
+  RefuseUsage("no command; the commands are " + Joined(kCommands));
 }
 
-const char* HelpText() {
-  return R"(qncorvane: runs a sale through the promotion engine and prints the receipt.
-
-  qncorvane calc --store DIR --mode STEP[,STEP...] [SALE.xml] [--key KEY] [--out FILE] [--xml]
-
-  --store DIR   the store: DIR/config.ini names the database, DIR/rules/*.xml are the rules, one to a file, and
-                DIR/goods.xml has the names of the goods, if they have any. The engine runs with DIR as its current
-                directory, so that its log is DIR/QnCorvane.txt and a relative database file name with a "/" in it
-                counts from DIR.
-  --mode STEP   what to calculate, one step after the other on the same sale. A STEP is MODE or MODE=FILE, with MODE one
-                of Single, All, Union, Zh, MzPromotion, Gift, Pay, Coupon, and FILE the sale XML sent with that step.
-  SALE.xml      the sale XML of the first step, if that has no FILE of its own. A later step without a FILE sends the
-                sale's header alone (BillNo, OrgCode, IsCalc) and so works on what the engine holds.
-  --key KEY     the key under which the engine keeps the sale (default: 1)
-  --out FILE    where the result XML of the last step goes (default: out/result.xml; with --xml: nowhere)
-  --xml         print the result XML of the last step alone, byte for byte
-
-A rule file's type word is the ProType in it; a rule that gives coupons (MZZQ) is loaded as MZYQ, as the engine wants it.
-Rules are loaded in the order of their file names. A rule's attribute Name, and goods.xml, are for receipts alone: the engine
-does not look at them.
-
-The exit code is 0 when every step was calculated, 1 when a file, a rule, the database or a step failed, 2 when the command
-line makes no sense.
-
-  qncorvane calc --store shop --mode All sale.xml
-  qncorvane calc --store shop --mode Single=scan1.xml,Single=scan2.xml,All=sale.xml,MzPromotion,Pay=card.xml
-)";
-}
+ProgramText DescribeProgram() { return Definitions().Describe(); }
 
 }  // namespace Corvane::Tool

@@ -3,34 +3,69 @@
 
 #include <filesystem>
 #include <string>
+#include <variant>
 #include <vector>
+
+#include "ProgramText.h"
 
 namespace Corvane::Tool {
 
 /// One call of the engine: a mode and the sale XML that goes with it.
 struct Step {
   std::string mode;
-  /// Absolute; empty for a step that brings nothing new and works on what the engine holds of the sale.
+  /// "-" is standard input; empty for a step that brings nothing new and works on what the engine holds of the sale.
   std::filesystem::path saleFile;
 };
 
-/// The command line, checked: every path is absolute, every mode is one of the engine's, the first step has a file.
-struct CommandLine {
-  bool help = false;
-  /// Print the last step's result XML alone, byte for byte.
-  bool rawResult = false;
+/// How a calculation's result is shown.
+enum class Form { receipt, xml, json };
+
+/// "calc", checked: every mode is one of the engine's, and the first step has a file, or the folder is given.
+struct CalcCommand {
   std::filesystem::path store;
-  /// Where the last result is written; empty: nowhere.
-  std::filesystem::path resultFile;
-  std::string key = "1";
   std::vector<Step> steps;
+  /// A folder of sales, each for the first step; empty for one sale alone.
+  std::filesystem::path salesFolder;
+  std::string key = "1";
+  /// Where the last result is written, for a folder of sales the folder of the results; empty: nowhere.
+  std::filesystem::path resultPath;
+  Form form = Form::receipt;
+  /// XML is read as far as it goes.
+  bool isLenient = false;
 };
 
-/// @throws ToolError with the usage exit code when the arguments make no sense.
-CommandLine ParseCommandLine(const std::vector<std::string>& arguments);
+/// "init".
+struct InitCommand {
+  std::filesystem::path folder;
+  std::string type = "PTXS";
+};
 
-/// The text of --help.
-const char* HelpText();
+/// "check".
+struct CheckCommand {
+  std::filesystem::path store;
+  bool asJson = false;
+};
+
+/// "generate": a page or a completion, made from the definitions of the commands.
+struct GenerateCommand {
+  std::string kind;
+  /// Empty: standard output.
+  std::filesystem::path file;
+};
+
+/// A text that was asked for, such as that of --help.
+struct PrintCommand {
+  std::string text;
+};
+
+using Command = std::variant<CalcCommand, InitCommand, CheckCommand, GenerateCommand, PrintCommand>;
+
+/// @param arguments those behind the program's name.
+/// @throws ToolError with the usage exit code when the arguments make no sense.
+Command ParseCommandLine(const std::vector<std::string>& arguments);
+
+/// @return what the definitions of the commands say, for help, manual and completions.
+ProgramText DescribeProgram();
 
 }  // namespace Corvane::Tool
 

@@ -19,7 +19,13 @@ constexpr std::size_t kWidth = kNumberWidth + 2 + kGoodsWidth + kCodeWidth + 3 *
 std::string Row(const std::string& number, const std::string& goods, const std::string& code,
                 const std::string& quantity, const std::string& price, const std::string& amount) {
   return AtRight(number, kNumberWidth) + "  " + AtLeft(goods, kGoodsWidth - 1) + " " + AtLeft(code, kCodeWidth) +
-         AtRight(quantity, kColumnWidth) + AtRight(price, kColumnWidth) + AtRight(amount, kColumnWidth) + "\n";
+         AtRight(quantity, kColumnWidth) + AtRight(price, kColumnWidth) + AtRight(amount, kColumnWidth);
+}
+
+/// Text at the left, amount in the last column.
+std::string Sum(const std::string& text, double amount) {
+  const std::size_t textWidth = kWidth - kNumberWidth - 2 - kColumnWidth;
+  return std::string(kNumberWidth + 2, ' ') + AtLeft(text, textWidth) + AtRight(Money(amount), kColumnWidth);
 }
 
 /// What a row for the whole sale means, by the type of the rule that wrote it.
@@ -37,20 +43,17 @@ std::string Threshold(const OfferedItem& item) {
 }  // namespace
 
 void Receipt::PrintHeading(const std::string& text) const {
-  m_out << "\n" << text << "\n" << std::string(kWidth, '-') << "\n";
+  m_out << "\n" << m_paint.Bold(text) << "\n" << std::string(kWidth, '-') << "\n";
 }
 
-void Receipt::PrintColumns() const { m_out << Row("No", "Goods", "Code", "Quantity", "Price", "Amount"); }
+void Receipt::PrintColumns() const { m_out << Row("No", "Goods", "Code", "Quantity", "Price", "Amount") << "\n"; }
 
-void Receipt::PrintSum(const std::string& text, double amount) const {
-  const std::size_t textWidth = kWidth - kNumberWidth - 2 - kColumnWidth;
-  m_out << std::string(kNumberWidth + 2, ' ') << AtLeft(text, textWidth) << AtRight(Money(amount), kColumnWidth)
-        << "\n";
-}
+void Receipt::PrintSum(const std::string& text, double amount) const { m_out << Sum(text, amount) << "\n"; }
 
 void Receipt::PrintLine(const Line& line) const {
   m_out << Row(std::to_string(line.serialNo), m_store.GoodsName(line.code), line.code, Quantity(line.quantity),
-               Money(line.price), Money(line.amount));
+               Money(line.price), Money(line.amount))
+        << "\n";
 }
 
 void Receipt::PrintBefore() const {
@@ -81,10 +84,11 @@ void Receipt::PrintDiscountedLine(const Line& line) const {
     // A reduction for a payment takes money and no pieces.
     const std::string quantity = discount.quantity == 0 ? "" : Quantity(discount.quantity);
     const std::string member = discount.memberType.empty() ? "" : " (member " + discount.memberType + ")";
-    m_out << Row("", "  " + m_store.RuleName(discount.rule) + member, discount.rule, quantity, "",
-                 Money(-discount.money));
+    m_out << m_paint.Green(Row("", "  " + m_store.RuleName(discount.rule) + member, discount.rule, quantity, "",
+                               Money(-discount.money)))
+          << "\n";
   }
-  m_out << Row("", "", "", "", "=", Money(line.ToPay()));
+  m_out << Row("", "", "", "", "=", Money(line.ToPay())) << "\n";
 }
 
 void Receipt::PrintAfter() const {
@@ -109,7 +113,7 @@ void Receipt::PrintDiscountsByRule() const {
 }
 
 void Receipt::PrintToPay() const {
-  PrintSum("To pay", m_sale.ToPay());
+  m_out << m_paint.Bold(Sum("To pay", m_sale.ToPay())) << "\n";
   const bool linesTellTheSame = std::fabs(m_sale.ToPay() - m_sale.ResultAmount()) < 0.005;
   if (!linesTellTheSame)
     PrintSum("(the lines' Total in the result XML, which not every rule lowers)", m_sale.ResultAmount());

@@ -6,14 +6,16 @@
 
 #include "SaleView.h"
 #include "Store.h"
+#include "Terminal.h"
 
 namespace Corvane::Tool {
 
 /// Prints a sale for a person at the till.
 class Receipt {
  public:
-  /// All three must outlive the receipt.
-  Receipt(std::ostream& out, const Store& store, const SaleView& sale) : m_out(out), m_store(store), m_sale(sale) {}
+  /// All four must outlive the receipt.
+  Receipt(std::ostream& out, const Paint& paint, const Store& store, const SaleView& sale)
+      : m_out(out), m_paint(paint), m_store(store), m_sale(sale) {}
 
   /// The sale's number, and its lines as they were sent.
   void PrintBefore() const;
@@ -38,10 +40,10 @@ class Receipt {
   void PrintOffers() const;
   void PrintItem(const OfferedItem& item) const;
   void PrintCouponsAndPayments() const;
-  /// Text at the left, amount in the last column.
   void PrintSum(const std::string& text, double amount) const;
 
   std::ostream& m_out;
+  const Paint& m_paint;
   const Store& m_store;
   const SaleView& m_sale;
 };

@@ -1,68 +1,50 @@
 #include "Till.h"
 
-#include <algorithm>
-#include <utility>
-#include <vector>
-
-#include "ResultBuffer.h"
+#include "LibraryText.h"
+#include "Reports.h"
 #include "ToolError.h"
-#include "qncorvane/qncorvane.h"
 
 namespace Corvane::Tool {
 namespace {
 
-/// Above the longest status text by far.
-constexpr std::size_t kMessageRoom = 1024;
+/// The person at the keyboard ends what takes too long.
+constexpr unsigned kNoLimit = 0;
 
 }  // namespace
 
-Till::Till(const Store& store, std::string key) : m_store(store), m_key(std::move(key)) {
-  if (BeginInitPro() != 0) {
-    FinishInitPro();
-    throw ToolError("the database that " + (m_store.Folder() / "config.ini").string() +
-                    " names can't be opened; the log may say more: " + m_store.LogFile().string());
-  }
-  LoadRules();
-  FinishInitPro();
-}
-
-Till::~Till() { DeleteSaleSetByKey(m_key.c_str()); }
-
-void Till::LoadRules() {
-  for (const RuleFile& rule : m_store.Rules()) {
-    // A refusal brings the whole rule back behind its text.
-    std::vector<char> message(kMessageRoom + rule.xml.size(), '\0');
-    if (InitPromotion(rule.loadType.c_str(), rule.xml.c_str(), message.data()) == 0) continue;
-    FinishInitPro();
-    throw ToolError(rule.path.string() + ": the engine refuses the rule, type " + rule.loadType);
+Till::Till(const std::filesystem::path& store, bool isLenient) : m_flags(isLenient ? unsigned{QNC_LENIENT} : 0U) {
+  LibraryText error;
+  if (qnc_open(store.c_str(), &m_engine, error.Place()) != QNC_OK) throw ToolError(error.Text());
+  try {
+    LoadRules();
+  } catch (...) {
+    qnc_close(m_engine, nullptr);
+    throw;
   }
 }
 
-/*
- * Three things make a result long. The texts of the sale come back at most once each, and a character takes at most six
- * bytes when it is escaped. Each line, payment or offer comes back with some twenty numbers, the longest of which has
- * 310 digits. And each rule leaves discount rows on each line: a row takes some 150 bytes and the texts of its goods
- * and rule, and only a rule with many detail rows for one article leaves more than one or two on a line.
- */
-std::size_t Till::ResultRoom() const {
-  constexpr std::size_t kForTheFrame = std::size_t{1} << 20U;
-  constexpr std::size_t kForTheNumbersOfARow = 8192;
-  constexpr std::size_t kForARuleOnALine = 16384;
-  return kForTheFrame + 6 * m_bytesSent +
-         m_elementsSent * (kForTheNumbersOfARow + m_store.Rules().size() * kForARuleOnALine);
+Till::~Till() { qnc_close(m_engine, nullptr); }
+
+void Till::LoadRules() const {
+  LibraryText report;
+  LibraryText error;
+  if (qnc_load_rules(m_engine, nullptr, m_flags, kNoLimit, report.Place(), error.Place()) == QNC_OK) return;
+  const std::string refusals = RefusedRules(report.Text());
+  throw ToolError(refusals.empty() ? error.Text() : refusals);
 }
 
-Answer Till::Calculate(const std::string& mode, const std::string& saleXml) {
-  m_bytesSent += saleXml.size();
-  // No element without its bracket: the count holds for a text that is not well-formed too.
-  m_elementsSent += static_cast<std::size_t>(std::count(saleXml.begin(), saleXml.end(), '<'));
-  const ResultBuffer result(ResultRoom());
-  std::vector<char> message(kMessageRoom, '\0');
+Answer Till::Calculate(const std::string& key, const std::string& mode, const std::string& saleXml, bool asJson) const {
+  LibraryText result;
+  LibraryText error;
+  const unsigned flags = m_flags | (asJson ? unsigned{QNC_JSON} : 0U);
   Answer answer;
-  answer.code = CalcPromotion(m_key.c_str(), mode.c_str(), saleXml.c_str(), result.Data(), message.data());
-  answer.message = message.data();
-  answer.xml = result.Text();
+  answer.code = qnc_calculate(m_engine, key.c_str(), mode.c_str(), saleXml.c_str(), flags, kNoLimit, result.Place(),
+                              error.Place());
+  answer.error = error.Text();
+  answer.result = result.Text();
   return answer;
 }
+
+void Till::Forget(const std::string& key) const { qnc_forget_sale(m_engine, key.c_str(), kNoLimit, nullptr); }
 
 }  // namespace Corvane::Tool

@@ -1,50 +1,49 @@
 #ifndef TOOLS_TILL_H
 #define TOOLS_TILL_H
 
-#include <cstddef>
+#include <filesystem>
 #include <string>
 
-#include "Store.h"
+#include "qncorvane/host.h"
 
 namespace Corvane::Tool {
 
 /// What one calculation answered.
 struct Answer {
-  /// The engine's result: 0, -1, and in mode "Gift" also -2 and -3.
-  int code = 0;
-  /// The engine's status text.
-  std::string message;
-  /// The result XML; empty unless `code` is 0.
-  std::string xml;
+  /// A `qnc_code`.
+  int code = QNC_OK;
+  /// The library's text of what is wrong; empty with QNC_OK.
+  std::string error;
+  /// The result, XML or JSON; empty unless `code` is QNC_OK.
+  std::string result;
 };
 
-/// The engine, loaded with a store's rules, working on one sale. The process's current directory is the store's.
+/// The engine on a store's folder, loaded with the store's rules.
 class Till {
  public:
-  /// Opens the database and loads the rules.
+  /// Opens the engine and loads the rules.
   ///
-  /// @param store must outlive the till.
-  /// @throws ToolError when the database can't be opened or a rule is refused.
-  Till(const Store& store, std::string key);
+  /// @param isLenient XML, of the rules and of the sales, is read as far as it goes.
+  /// @throws ToolError with the library's texts when the store or a rule is refused.
+  Till(const std::filesystem::path& store, bool isLenient);
 
-  /// Forgets the sale.
+  /// Closes the engine.
   ~Till();
   Till(const Till&) = delete;
   Till& operator=(const Till&) = delete;
 
-  /// Runs one mode on the sale.
-  ///
-  /// @param saleXml what goes to the engine, well-formed or not.
-  Answer Calculate(const std::string& mode, const std::string& saleXml);
+  /// Runs one mode on the sale of `key`.
+  [[nodiscard]] Answer Calculate(const std::string& key, const std::string& mode, const std::string& saleXml,
+                                 bool asJson) const;
+
+  /// Forgets the sale of `key`.
+  void Forget(const std::string& key) const;
 
  private:
-  void LoadRules();
-  [[nodiscard]] std::size_t ResultRoom() const;
+  void LoadRules() const;
 
-  const Store& m_store;
-  std::string m_key;
-  std::size_t m_bytesSent = 0;
-  std::size_t m_elementsSent = 0;
+  unsigned m_flags;
+  qnc_engine* m_engine = nullptr;
 };
 
 }  // namespace Corvane::Tool

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <iostream>
 #include <sstream>
 #include <system_error>
 
@@ -18,6 +19,14 @@ std::string ReadFile(const std::filesystem::path& path) {
   if (!file) throw ToolError(path.string() + ": " + std::strerror(errno));
   std::ostringstream text;
   text << file.rdbuf();
+  return text.str();
+}
+
+std::string ReadInput() {
+  std::ostringstream text;
+  // An empty input sets the text's fail bit, and is no failure.
+  text << std::cin.rdbuf();
+  if (std::cin.bad()) throw ToolError("standard input can't be read");
   return text.str();
 }
 
@@ -38,6 +47,10 @@ void ParseXml(const std::string& text, const std::string& name, TiXmlDocument& d
     throw ToolError(name + row + ": not well-formed XML: " + document.ErrorDesc());
   }
   if (document.RootElement() == nullptr) throw ToolError(name + ": no XML element in it");
+}
+
+void ParseAsFarAsItGoes(const std::string& text, TiXmlDocument& document) {
+  document.Parse(text.c_str(), nullptr, TIXML_ENCODING_UTF8);
 }
 
 std::string Text(const TiXmlElement& element, const char* attribute) {

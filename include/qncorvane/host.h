@@ -45,9 +45,11 @@ extern "C" {
 #endif
 
 /** An open engine. */
+/* NOLINTNEXTLINE(modernize-use-using): C */
 typedef struct qnc_engine qnc_engine;
 
 /** What a call answers. The numbers stay what they are. */
+/* NOLINTNEXTLINE(modernize-use-using): C */
 typedef enum qnc_code {
   QNC_OK = 0,
   QNC_BAD_ARGUMENT = 1,    /**< a call makes no sense so: no key, an unknown mode, no place for the answer */

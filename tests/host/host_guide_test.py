@@ -74,7 +74,7 @@ class GiftChoice(unittest.TestCase):
                  ("Gift", sale_xml(groups=f"<ProGifts>{offers}</ProGifts>"))]
         answer = SHOP.answer(rules, OFFERS.format(most=most), *steps)
         if answer.returncode != 0:
-            return re.search(r"\((-\d)\)", answer.stderr.decode())[1]
+            return {"total": "-2", "number": "-3"}[re.search(r"step Gift: (\w+) overflow", answer.stderr.decode())[1]]
         money = {(offer.get("UsedTotal"), offer.get("LeftTotal"))
                  for offer in SHOP.run(rules, OFFERS.format(most=most), *steps).find("ProGifts")}
         self.assertEqual(len(money), 1, "what is left is the same in all offers")
@@ -115,7 +115,7 @@ class Lines(unittest.TestCase):
 
     def test_a_decimal_comma(self):
         sale = sale_xml(("COLA", "1")).replace("10.00", "10,50")
-        self.assertEqual(totals(SHOP.run([], "", ("All", sale))), ["10.00"])
+        self.assertEqual(totals(SHOP.run([], "", ("All", sale), lenient=True)), ["10.00"])
         comma = "pragma ignore_check_constraints=on;" + DIRECT.format("('A', 1, 'COLA', 'PRC', '7,99', 0)")
         self.assertEqual(given(SHOP.run([Rule("A", "PTXS", "PT")], comma, ("All", sale_xml(("COLA", "1"))))), {"A": 10})
 
