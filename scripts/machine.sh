@@ -14,6 +14,10 @@
   packages_lint=("${packages_clang[@]}" clang-tidy clang-format shellcheck)
   packages_coverage=("${packages_clang[@]}" llvm)
   packages_bench=(libsqlite3-dev python3 mariadb-server libqt5sql5-mysql)
+  packages_package=(dpkg-dev file lintian)
+  packages_bare_root=(debootstrap)
+  packages_examples=(libjna-java openjdk-17-jdk-headless mono-mcs mono-runtime libmono-system-core4.0-cil
+    libmono-system-xml4.0-cil)
   packages_count=(valgrind libsqlite3-dev python3)
 }
 
@@ -35,6 +39,19 @@ install_packages() (
   as_root apt-get update -q
   as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "$@" </dev/null
 )
+
+# Those of the packages that apt knows on this machine, as `need`. The examples' runtimes are not there on every architecture,
+# and their tests do without.
+need_where_known() {
+  local missing=() known package
+  for package in "$@"; do
+    is_installed "$package" || missing+=("$package")
+  done
+  ((${#missing[@]})) || return 0
+  as_root apt-get update -q
+  mapfile -t known < <(apt-cache show --no-all-versions "${missing[@]}" 2>/dev/null | sed -n 's/^Package: //p')
+  need "${known[@]}"
+}
 
 # Installs those of the packages that are missing; with none missing, the network is not touched.
 need() {

@@ -10,7 +10,7 @@ sources() {
 
 # Every shell script of the project, with a zero byte behind each name.
 shell_scripts() {
-  printf '%s\0' dev .ci/run
+  printf '%s\0' dev .ci/run packaging/python3-qncorvane/{postinst,prerm}
   find . \( -path ./build -o -path ./out -o -path ./.git \) -prune -o -name '*.sh' -print0
 }
 
