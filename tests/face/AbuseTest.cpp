@@ -33,7 +33,7 @@ TEST(Abuse, EnginesThatAreNoneAreNeverFollowed) {
   int local = 0;
   for (const std::uintptr_t garbage :
        {std::uintptr_t{0}, std::uintptr_t{1}, ~std::uintptr_t{0}, reinterpret_cast<std::uintptr_t>(&local)}) {
-    EXPECT_EQ(EveryCall(reinterpret_cast<qnc_engine*>(garbage)), closed);
+    EXPECT_EQ(EveryCall(reinterpret_cast<qnc_engine*>(garbage)), closed);  // NOLINT(performance-no-int-to-ptr)
   }
   const StoreFolder store;
   const OpenEngine engine(store.Path());

@@ -1,4 +1,4 @@
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -7,8 +7,6 @@
 #include <thread>
 
 #include "tests/face/Face.h"
-
-using ::testing::HasSubstr;
 
 namespace Corvane::Testing {
 namespace {

@@ -46,7 +46,7 @@ TEST(Threads, GetWhatOneAfterTheOtherWouldGet) {
       const std::size_t which = static_cast<std::size_t>(number + time) % sales.size();
       const std::string key = std::to_string(number) + "-" + std::to_string(time);
       const Told told = engine.Calculate(key, "All", sales[which]);
-      equal += told.Code == QNC_OK && told.Text == expected[which];
+      equal += told.Code == QNC_OK && told.Text == expected[which] ? 1 : 0;
       EXPECT_EQ(engine.Forget(key).Code, QNC_OK);
     }
   });
@@ -111,10 +111,10 @@ TEST(Threads, MayCallWhileAnotherClosesTheEngine) {
     while (code == QNC_OK) {
       char* result = nullptr;
       code = qnc_calculate(engine, "1", "All", SaleXml().c_str(), 0, 0, &result, nullptr);
-      strange += (code == QNC_OK) != (result != nullptr);
+      strange += (code == QNC_OK) == (result != nullptr) ? 0 : 1;
       qnc_free(result);
     }
-    strange += code != QNC_CLOSED;
+    strange += code == QNC_CLOSED ? 0 : 1;
   });
   EXPECT_EQ(strange, 0);
 }
