@@ -40,3 +40,7 @@ python3 -B "$here/with_mariadb.py" "$work/schema" python3 -B "$here/schema_test.
 echo "-- sales on each server"
 mkdir "$work/sales"
 ODBCSYSINI="$work/odbc" python3 -B "$here/servers_test.py" "$build/lib/libQNCORVANE.so" "$work/sales"
+
+echo "-- the safe face on a server"
+mkdir "$work/face"
+python3 -B "$here/face_test.py" "$build/lib/libqncorvane-host.so.1" "$work/face"
