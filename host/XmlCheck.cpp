@@ -77,6 +77,7 @@ class StrictReader {
           FailHere("has a document type, which is not read; leave it out");
         case QXmlStreamReader::StartElement:
           m_path.append(m_reader.name().toString());
+          m_attributes = m_reader.attributes();
           CheckMeasure();
           return true;
         case QXmlStreamReader::EndElement:
@@ -93,19 +94,13 @@ class StrictReader {
   /// The names of the elements from the document's down to the present one.
   const QStringList& Path() const { return m_path; }
 
-  bool Has(const char* attribute) const { return m_reader.attributes().hasAttribute(QLatin1String(attribute)); }
-  QString Value(const char* attribute) const {
-    return m_reader.attributes().value(QLatin1String(attribute)).toString();
-  }
+  bool Has(const char* attribute) const { return m_attributes.hasAttribute(QLatin1String(attribute)); }
+  QString Value(const char* attribute) const { return m_attributes.value(QLatin1String(attribute)).toString(); }
 
   template <std::size_t Size>
   void CheckFields(const Field (&fields)[Size], const QString& group) {
     for (const Field& field : fields) {
-      if (group != QLatin1String(field.Group)) continue;
-      const QString value = Value(field.Name);
-      if (Fits(value, field.Form)) continue;
-      NoteAt(field.Name,
-             std::string(field.Name) + " '" + value.left(kMostShown).toStdString() + "' is not " + WordsOf(field.Form));
+      if (group == QLatin1String(field.Group)) CheckField(field);
     }
   }
 
@@ -122,6 +117,13 @@ class StrictReader {
 
  private:
   static constexpr int kMostShown = 60;
+
+  void CheckField(const Field& field) {
+    const QStringRef value = m_attributes.value(QLatin1String(field.Name));
+    if (value.isEmpty() || Fits(value.toString(), field.Form)) return;
+    NoteAt(field.Name, std::string(field.Name) + " '" + value.left(kMostShown).toString().toStdString() + "' is not " +
+                           WordsOf(field.Form));
+  }
 
   [[noreturn]] void FailHere(const std::string& what) const {
     Fail(QNC_BAD_XML, m_name + ":" + std::to_string(m_reader.lineNumber()) + ":" +
@@ -164,7 +166,7 @@ class StrictReader {
     if (m_path.size() > XmlDocument::kMaxDepth) {
       FailHere("has elements more than " + std::to_string(XmlDocument::kMaxDepth) + " deep");
     }
-    if (m_reader.attributes().size() > XmlDocument::kMaxAttributes) {
+    if (m_attributes.size() > XmlDocument::kMaxAttributes) {
       FailHere("has more than " + std::to_string(XmlDocument::kMaxAttributes) + " attributes in an element");
     }
   }
@@ -200,6 +202,7 @@ class StrictReader {
   QString m_text;
   QXmlStreamReader m_reader;
   QStringList m_path;
+  QXmlStreamAttributes m_attributes;  ///< of the present element
   std::string m_wrong;
   qint64 m_before = 0;  ///< where the present token begins
 };
