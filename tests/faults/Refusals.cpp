@@ -81,13 +81,12 @@ void* Refused() {
 
 extern "C" {
 
-// NOLINTBEGIN(*-reserved-identifier): the C library's own, behind the names that are taken here
+// The C library's own, behind the names that are taken here.
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t nmemb, std::size_t size);
 void* __libc_realloc(void* ptr, std::size_t size);
 void* __libc_memalign(std::size_t alignment, std::size_t size);
 void __libc_free(void* ptr);
-// NOLINTEND(*-reserved-identifier)
 
 void* malloc(std::size_t size) { return IsRefused() ? Refused() : Counted(__libc_malloc(size)); }
 

@@ -18,7 +18,7 @@ long g_left = -1;  // how many requests are still granted before one is refused;
 
 extern "C" {
 
-void* __libc_malloc(std::size_t size);  // NOLINT(*-reserved-identifier): the C library's own
+void* __libc_malloc(std::size_t size);  // the C library's own
 
 void* malloc(std::size_t size) { return g_left-- == 0 ? nullptr : __libc_malloc(size); }
 

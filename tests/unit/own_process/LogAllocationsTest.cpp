@@ -21,9 +21,9 @@ std::size_t g_largest = std::numeric_limits<std::size_t>::max();  // what is ask
 extern "C" {
 
 // The C library's own, under the names that it keeps for a program that has others.
-void* __libc_malloc(std::size_t size);                     // NOLINT(*-reserved-identifier)
-void* __libc_calloc(std::size_t nmemb, std::size_t size);  // NOLINT(*-reserved-identifier)
-void* __libc_realloc(void* ptr, std::size_t size);         // NOLINT(*-reserved-identifier)
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t nmemb, std::size_t size);
+void* __libc_realloc(void* ptr, std::size_t size);
 
 void* malloc(std::size_t size) {
   ++g_requests;
