@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QSqlDriver>
 #include <QVariant>
 #include <chrono>
@@ -29,11 +28,6 @@ QString FilePath(const QString& name) {
   const bool bare =
       !name.contains(QLatin1Char(':')) && !name.contains(QLatin1Char('/')) && !name.contains(QLatin1Char('\\'));
   return bare ? InHostDirectory(name) : name;
-}
-
-/// @param folder not empty.
-QString PathFrom(const QString& folder, const QString& name) {
-  return QDir::isAbsolutePath(name) ? name : folder + QLatin1Char('/') + name;
 }
 
 /// A value that no statement has: none holds a zero byte.
@@ -186,7 +180,7 @@ void Connection::LeaveToItsProcess() {
 
 /// A file that the settings name.
 QString Connection::FileIn(const QString& name) const {
-  return m_folder.isEmpty() ? FilePath(name) : PathFrom(m_folder, name);
+  return m_folder.isEmpty() ? FilePath(name) : InFolder(m_folder, name);
 }
 
 /// The two faces of the engine may be in one process: neither takes the other's names.
@@ -267,7 +261,7 @@ void Connection::NameOracle(const QString& server, const QString& database, cons
 bool Connection::NameAccess(const QString& server, const QString& database, QString& error, const QString& user,
                             const QString& password) {
   QString name = database;
-  const QString file = m_folder.isEmpty() || server.isEmpty() ? server : PathFrom(m_folder, server);
+  const QString file = m_folder.isEmpty() || server.isEmpty() ? server : InFolder(m_folder, server);
   if (!file.isEmpty() && !ReadConnectionFile(file, name, error)) return false;
   Db->setDatabaseName(QStringLiteral("DRIVER={Microsoft Access Driver (*.mdb,*.accdb)};DBQ=%1;UID=%2;PWD=%3")
                           .arg(FileIn(name), user.isEmpty() ? QStringLiteral("sa") : user, password));

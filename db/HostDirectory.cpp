@@ -1,6 +1,7 @@
 #include "db/HostDirectory.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 
 namespace Corvane {
@@ -11,5 +12,9 @@ QString HostDirectory() {
 }
 
 QString InHostDirectory(const QString& name) { return QStringLiteral("%1/%2").arg(HostDirectory(), name); }
+
+QString InFolder(const QString& folder, const QString& name) {
+  return QDir::isAbsolutePath(name) ? name : folder + QLatin1Char('/') + name;
+}
 
 }  // namespace Corvane

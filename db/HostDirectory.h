@@ -13,6 +13,9 @@ QString HostDirectory();
 /// @return the path of `name` in the host's directory, whatever `name` holds.
 QString InHostDirectory(const QString& name);
 
+/// @return the path of a file that settings name: a relative one counts from `folder`, which is not empty.
+QString InFolder(const QString& folder, const QString& name);
+
 }  // namespace Corvane
 
 #endif

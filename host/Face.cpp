@@ -23,7 +23,6 @@
 #include "host/Session.h"
 #include "host/StoreCheck.h"
 #include "host/XmlCheck.h"
-#include "promo/RuleTable.h"
 #include "qncorvane/host.h"
 #include "rule/RuleType.h"
 #include "sale/ProSale.h"
@@ -35,10 +34,12 @@ namespace Corvane::Host {
 namespace {
 
 /// A text for the caller; null when there is no memory for one, or no place.
-void Give(char** place, const std::string& text) noexcept {
+void Give(char** place, std::string_view text) noexcept {
   if (place == nullptr) return;
   *place = static_cast<char*>(std::malloc(text.size() + 1));
-  if (*place != nullptr) std::memcpy(*place, text.c_str(), text.size() + 1);
+  if (*place == nullptr) return;
+  std::memcpy(*place, text.data(), text.size());
+  (*place)[text.size()] = '\0';
 }
 
 void Clear(char** place) noexcept {
@@ -57,25 +58,25 @@ const char* TextOf(int code) noexcept {
   }
 }
 
+/// Hands an outcome over. @return its code; QNC_NO_MEMORY where there is none for the result.
+int HandOver(const Outcome& outcome, char** result, char** error) noexcept {
+  if (!outcome.Result.empty()) Give(result, outcome.Result);
+  const bool isLost = !outcome.Result.empty() && result != nullptr && *result == nullptr;
+  const int code = outcome.Code == QNC_OK && isLost ? QNC_NO_MEMORY : outcome.Code;
+  if (code != QNC_OK) Give(error, outcome.Error.empty() ? TextOf(code) : outcome.Error.c_str());
+  return code;
+}
+
 /// The last barrier: whatever a call throws becomes a code and a text.
 template <class Call>
 int Guarded(char** result, char** error, Call call) noexcept {
   Clear(result);
   Clear(error);
   try {
-    Outcome outcome;
-    try {
-      outcome = call();
-    } catch (const Failure& failure) {
-      outcome = {failure.Code, failure.Text, {}};
-    }
-    if (!outcome.Result.empty()) Give(result, outcome.Result);
-    if (outcome.Code == QNC_OK) {
-      const bool isGiven = outcome.Result.empty() || result == nullptr || *result != nullptr;
-      return isGiven ? QNC_OK : (Give(error, TextOf(QNC_NO_MEMORY)), QNC_NO_MEMORY);
-    }
-    Give(error, outcome.Error.empty() ? TextOf(outcome.Code) : outcome.Error);
-    return outcome.Code;
+    return HandOver(call(), result, error);
+  } catch (const Failure& failure) {
+    Give(error, failure.Text);
+    return failure.Code;
   } catch (const std::bad_alloc&) {
     Give(error, TextOf(QNC_NO_MEMORY));
     return QNC_NO_MEMORY;
@@ -97,16 +98,10 @@ void RequirePlace(const void* place, const char* name) {
 
 // --- Rules -----------------------------------------------------------------------------------------------------------
 
-/// A rule that gives coupons is loaded under the word of those that take them.
-std::string LoadWord(const std::string& proType) {
-  return proType == TypeWord::kGiveCoupon ? TypeWord::kUseCoupon : proType;
-}
-
-void Load(const RuleHeader& header, const std::string& xml, const std::string& name) {
-  const std::string word = LoadWord(header.ProType);
-  const RuleKind* const kind = FindKind(RuleKinds(), word.c_str());
-  if (kind == nullptr) Fail(QNC_BAD_VALUE, name + ": ProType '" + header.ProType + "' is no type");
-  if (InitPromotion(word.c_str(), xml.c_str(), nullptr) != 0) throw std::bad_alloc();
+/// @param header its type is known. A rule that gives coupons is loaded under the word of those that take them.
+void Load(const RuleHeader& header, const std::string& xml) {
+  const Text word = header.ProType == TypeWord::kGiveCoupon ? TypeWord::kUseCoupon : header.ProType.c_str();
+  if (InitPromotion(word, xml.c_str(), nullptr) != 0) throw std::bad_alloc();
 }
 
 void ClearRules(const std::string& billNo) {
@@ -123,40 +118,34 @@ void Tell(JsonWriter& json, const RuleFile& file, bool isLoaded) {
   json.End();
 }
 
+bool IsRefused(const RuleFile& file) { return file.Refusal.has_value(); }
+
+/// @param isHeld whether the refused files kept all others out.
 std::string ReportOf(const std::string& folder, const std::vector<RuleFile>& files, bool isHeld) {
-  const auto isRefused = [](const RuleFile& file) { return file.Refusal.has_value(); };
-  const auto refused = std::count_if(files.begin(), files.end(), isRefused);
+  const auto refused = std::count_if(files.begin(), files.end(), IsRefused);
   JsonWriter json;
   json.Object();
   json.Key("folder").String(folder);
   json.Key("loaded").Integer(isHeld ? 0 : static_cast<std::int64_t>(files.size()) - refused);
   json.Key("refused").Integer(refused);
   json.Key("files").Array();
-  for (const RuleFile& file : files) Tell(json, file, !isHeld && !file.Refusal);
+  for (const RuleFile& file : files) Tell(json, file, !isHeld && !IsRefused(file));
   json.End();
   json.End();
   return json.Take();
 }
 
-void LoadFile(RuleFile& file) {
-  if (file.Refusal) return;
-  try {
-    Load(file.Header, file.Xml, file.Name);
-  } catch (const Failure& failure) {
-    file.Refusal = failure;
-  }
-}
-
 /// Loads files on the engine's thread.
 ///
 /// @param replace whether they take the place of all rules; then none is loaded unless all can be.
-void LoadFiles(const std::string& folder, std::vector<RuleFile> files, bool replace, Outcome& outcome) {
-  const auto isRefused = [](const RuleFile& file) { return file.Refusal.has_value(); };
-  const bool isHeld = replace && std::any_of(files.begin(), files.end(), isRefused);
+void LoadFiles(const std::string& folder, const std::vector<RuleFile>& files, bool replace, Outcome& outcome) {
+  const auto refused = std::find_if(files.begin(), files.end(), IsRefused);
+  const bool isHeld = replace && refused != files.end();
   if (replace && !isHeld) ClearRules("*");
-  if (!isHeld) std::for_each(files.begin(), files.end(), LoadFile);
+  for (const RuleFile& file : files) {
+    if (!isHeld && !IsRefused(file)) Load(file.Header, file.Xml);
+  }
   outcome.Result = ReportOf(folder, files, isHeld);
-  const auto refused = std::find_if(files.begin(), files.end(), isRefused);
   if (refused == files.end()) return;
   outcome.Code = refused->Refusal->Code;
   outcome.Error = refused->Refusal->Text;
@@ -280,7 +269,7 @@ int qnc_load_rule(qnc_engine* engine, const char* xml, const char* name, unsigne
     const std::string shown = IsEmpty(name) ? "rule" : name;
     const bool isLenient = (flags & QNC_LENIENT) != 0;
     return Session::Do(engine, limit_ms,
-                       [=](Outcome&) { Load(isLenient ? HeaderOf(text) : CheckRule(text, shown), text, shown); });
+                       [=](Outcome&) { Load(isLenient ? HeaderOf(text, shown) : CheckRule(text, shown), text); });
   });
 }
 

@@ -58,7 +58,7 @@ RuleFile ReadRule(const std::string& folder, const std::string& shown, const std
   const std::string shownName = shown + "/" + name;
   try {
     rule.Xml = ReadFile(folder + "/" + name, shownName);
-    rule.Header = lenient ? HeaderOf(rule.Xml) : CheckRule(rule.Xml, shownName);
+    rule.Header = lenient ? HeaderOf(rule.Xml, shownName) : CheckRule(rule.Xml, shownName);
   } catch (const Failure& failure) {
     rule.Refusal = failure;
   }

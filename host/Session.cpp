@@ -7,6 +7,7 @@
 #include <QSqlQuery>
 #include <QString>
 #include <QThread>
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
@@ -40,7 +41,6 @@ struct Opened {
   pid_t Process;
   std::string Folder;
   Worker Thread;
-  bool IsClosing = false;
 };
 
 // Nothing below is ever destroyed; calls may come at the process's very end.
@@ -86,7 +86,7 @@ std::shared_ptr<Opened> Find(const qnc_engine* engine) {
   const std::lock_guard<std::mutex> lock(g_slot);
   const std::shared_ptr<Opened>& opened = Slot();
   const bool isMeant = opened != nullptr && HandleOf(opened->Number) == engine;
-  return isMeant && opened->Process == getpid() && !opened->IsClosing ? opened : nullptr;
+  return isMeant && opened->Process == getpid() ? opened : nullptr;
 }
 
 Outcome Failed(qnc_code code, std::string text) { return {code, std::move(text), {}}; }
@@ -149,10 +149,11 @@ void WarmUp() {
   ProcessEnd::HoldFirst([] { WorkersHeld::Hold(); });
 }
 
+std::atomic<bool> g_isPrepared{false};
+
 /// To be called before a thread of the engine's touches anything, with g_opening held.
 void Prepare() {
-  static bool isDone = false;
-  if (isDone || ProcessEnd::HasCome()) return;
+  if (g_isPrepared || ProcessEnd::HasCome()) return;
   PrepareForForks();
   // Qt takes the first thread that it hears of for the main one.
   static_cast<void>(QThread::currentThread());
@@ -161,7 +162,7 @@ void Prepare() {
     return DoOn(worker, 0, [](Outcome&) { WarmUp(); });
   }();
   if (outcome.Code != QNC_OK) throw Failure{outcome.Code, outcome.Error};
-  isDone = true;
+  g_isPrepared = true;
 }
 
 std::string AbsoluteFolder(const std::string& folder) {
@@ -176,7 +177,13 @@ std::string AbsoluteFolder(const std::string& folder) {
   return absolute;
 }
 
-/// On the engine's thread.
+// Both on the engine's thread.
+
+void LeaveStore() {
+  ProSale::DestroyAll();
+  Promotion::Instance().Leave();
+}
+
 void EnterStore(const std::string& folder) {
   const Findings findings = CheckDatabase(folder);
   if (const Finding* const error = FirstError(findings)) Fail(error->Code, error->Text());
@@ -186,17 +193,14 @@ void EnterStore(const std::string& folder) {
   FinishInitPro();
   const bool isOpen = BeginInitPro() == 0;
   FinishInitPro();
-  if (!isOpen) Fail(QNC_BAD_STORE, "config.ini: the database can't be opened; the log may say more");
+  if (isOpen) return;
+  LeaveStore();
+  Fail(QNC_BAD_STORE, "config.ini: the database can't be opened; the log may say more");
 }
 
-void Mark(Opened& opened, bool isClosing) {
+void PutIntoSlot(std::shared_ptr<Opened> opened) {
   const std::lock_guard<std::mutex> lock(g_slot);
-  opened.IsClosing = isClosing;
-}
-
-void LeaveStore() {
-  ProSale::DestroyAll();
-  Promotion::Instance().Leave();
+  Slot() = std::move(opened);
 }
 
 }  // namespace
@@ -219,13 +223,12 @@ Outcome Session::Open(const std::string& folder, qnc_engine*& engine) {
   opened->Folder = absolute;
   Outcome outcome = DoOn(opened->Thread, 0, [absolute](Outcome&) { EnterStore(absolute); });
   if (outcome.Code != QNC_OK) {
-    opened->Thread.Stop();
+    opened->Thread.StopBehind(nullptr);
     return outcome;
   }
   g_lastNumber = opened->Number;
   engine = HandleOf(opened->Number);
-  const std::lock_guard<std::mutex> lock(g_slot);
-  Slot() = std::move(opened);
+  PutIntoSlot(std::move(opened));
   return outcome;
 }
 
@@ -233,18 +236,16 @@ Outcome Session::Close(const qnc_engine* engine) {
   const std::lock_guard<std::mutex> opening(g_opening);
   const std::shared_ptr<Opened> opened = Find(engine);
   if (opened == nullptr) return NoEngine();
-  Mark(*opened, true);
-  Outcome outcome;
+  PutIntoSlot(nullptr);
   try {
-    outcome = DoOn(opened->Thread, 0, [](Outcome&) { LeaveStore(); });
+    // Whoever found the engine before and asks for something later is refused by its thread.
+    const auto outcome = std::make_shared<Outcome>();
+    opened->Thread.StopBehind([outcome] { Carry([](Outcome&) { LeaveStore(); }, *outcome); });
+    return *outcome;
   } catch (...) {
-    Mark(*opened, false);  // short of memory, the engine stays open
+    PutIntoSlot(opened);  // short of memory, the engine stays open
     throw;
   }
-  opened->Thread.Stop();
-  const std::lock_guard<std::mutex> lock(g_slot);
-  Slot() = nullptr;
-  return outcome;
 }
 
 Outcome Session::Do(const qnc_engine* engine, unsigned limit_ms, const Task& task) {
@@ -253,18 +254,13 @@ Outcome Session::Do(const qnc_engine* engine, unsigned limit_ms, const Task& tas
 }
 
 Outcome Session::DoAnyway(unsigned limit_ms, const Task& task) {
-  {
+  // Not while another thread waits for a server, unless it is the first.
+  if (!g_isPrepared) {
     const std::lock_guard<std::mutex> opening(g_opening);
     Prepare();
   }
-  std::shared_ptr<Opened> opened;
-  {
-    const std::lock_guard<std::mutex> lock(g_slot);
-    if (ProcessEnd::HasCome()) return NoEngine();
-    const bool isHere = Slot() != nullptr && Slot()->Process == getpid() && !Slot()->IsClosing;
-    if (isHere) opened = Slot();
-  }
-  if (opened != nullptr) return DoOn(opened->Thread, limit_ms, task);
+  if (ProcessEnd::HasCome()) return NoEngine();
+  // No two workers are at work at once, so that this one disturbs no engine.
   Worker worker;
   return DoOn(worker, limit_ms, task);
 }

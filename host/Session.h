@@ -33,7 +33,7 @@ Outcome Close(const qnc_engine* engine);
 /// @param limit_ms 0 for none.
 Outcome Do(const qnc_engine* engine, unsigned limit_ms, const Task& task);
 
-/// The same for a task that needs no engine: on the thread of the one that is open, or on one of its own.
+/// The same for a task that needs no engine: on a thread of its own.
 Outcome DoAnyway(unsigned limit_ms, const Task& task);
 
 /// @return the folder of an engine. @throw Failure with QNC_CLOSED.

@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSettings>
@@ -11,6 +10,7 @@
 #include <QStringList>
 #include <map>
 
+#include "db/HostDirectory.h"
 #include "db/Kind.h"
 #include "db/QnPosDBPro.h"
 #include "db/Settings.h"
@@ -98,9 +98,9 @@ class StoreCheck {
     }
     for (const char* const key : kNumberKeys) {
       const QString value = settings.value(QLatin1String(key)).toString().trimmed();
-      bool isNumber = value.isEmpty();
-      if (!isNumber) isNumber = value.toInt(&isNumber) >= 0 && isNumber;
-      if (isNumber) continue;
+      bool isRead = false;
+      const int number = value.toInt(&isRead);
+      if (value.isEmpty() || (isRead && number >= 0)) continue;
       m_findings.push_back(
           Warning(kSettings, std::string(key) + " " + Quoted(value) + " is no whole number", "write digits alone"));
     }
@@ -135,7 +135,7 @@ class StoreCheck {
     if (m_kind != Kind::kSqlite) return true;
     const QString name = m_settings.DBName.trimmed();
     if (name.isEmpty()) return Refuse(Error(kSettings, "DBName is missing", "name the database file"));
-    const QString path = QDir::isAbsolutePath(name) ? name : m_path + QLatin1Char('/') + name;
+    const QString path = InFolder(m_path, name);
     const std::string mend = "make it by the table definitions, or mend DBName in config.ini";
     const QFileInfo info(path);
     if (!info.exists()) return Refuse(Error(name.toStdString(), "the database file is missing", mend));

@@ -64,13 +64,16 @@ Worker::~Worker() {
   m_thread.detach();
 }
 
-void Worker::Stop() {
+void Worker::StopBehind(Work last) {
+  const auto piece = std::make_shared<Piece>();
+  piece->What = std::move(last);
   {
     const std::lock_guard<std::mutex> lock(m_queue->Lock);
+    if (piece->What) m_queue->Pieces.push_back(piece);
     m_queue->IsEnding = true;
   }
   m_queue->Changed.notify_all();
-  if (m_thread.joinable()) m_thread.join();
+  m_thread.join();
 }
 
 Worker::Ended Worker::Do(Work work, std::chrono::milliseconds limit) {

@@ -37,8 +37,10 @@ class Worker {
   /// @param limit 0 for none.
   Ended Do(Work work, std::chrono::milliseconds limit);
 
-  /// Ends the thread when what was asked for is done, and waits for that. The worker does nothing afterwards.
-  void Stop();
+  /// Ends the thread when what was asked for before is done, and waits for that. What is asked for later never begins.
+  ///
+  /// @param last done behind all of it; may be null.
+  void StopBehind(Work last);
 
  private:
   struct Queue;

@@ -220,15 +220,19 @@ RuleHeader HeaderHere(const StrictReader& reader) {
   return {reader.Value("BillNo").toStdString(), reader.Value("ProType").toStdString()};
 }
 
+bool IsType(const std::string& word) { return TypeOf(word.c_str()).Word[0] != '\0' && word != Family::kCombination; }
+
+std::string UnknownType(const std::string& word) {
+  return "ProType '" + word +
+         "' is no type; the types are PTXS, PTPL, PTOS, ZHZY, ZHGD, ZHTJ, ZHZX, MZMJ, MZDP, MZZM, MZZP, MZHG, MZZQ, "
+         "MZZF "
+         "and MZYQ";
+}
+
 void CheckHeader(StrictReader& reader, const RuleHeader& header) {
   if (header.BillNo.empty()) reader.NoteAt("BillNo", "the rule has no BillNo");
   if (header.ProType.empty()) reader.NoteAt("ProType", "the rule has no ProType");
-  const bool isKnown = TypeOf(header.ProType.c_str()).Word[0] != '\0' && header.ProType != Family::kCombination;
-  if (!isKnown) {
-    reader.NoteAt("ProType", "ProType '" + header.ProType +
-                                 "' is no type; the types are PTXS, PTPL, PTOS, ZHZY, ZHGD, ZHTJ, ZHZX, MZMJ, MZDP, "
-                                 "MZZM, MZZP, MZHG, MZZQ, MZZF and MZYQ");
-  }
+  if (!IsType(header.ProType)) reader.NoteAt("ProType", UnknownType(header.ProType));
 }
 
 }  // namespace
@@ -272,12 +276,14 @@ RuleHeader CheckRule(const std::string& xml, const std::string& name) {
   return header;
 }
 
-RuleHeader HeaderOf(const std::string& xml) {
+RuleHeader HeaderOf(const std::string& xml, const std::string& name) {
   const XmlDocument document(xml.c_str());
   const TiXmlElement* const root = document.Root();
   const TiXmlElement* const rule = root != nullptr ? root->FirstChildElement() : nullptr;
-  if (rule == nullptr) return {};
-  return {OrEmpty(rule->Attribute("BillNo")), OrEmpty(rule->Attribute("ProType"))};
+  RuleHeader header;
+  if (rule != nullptr) header = {OrEmpty(rule->Attribute("BillNo")), OrEmpty(rule->Attribute("ProType"))};
+  if (!IsType(header.ProType)) Fail(QNC_BAD_VALUE, name + ": " + UnknownType(header.ProType));
+  return header;
 }
 
 }  // namespace Corvane::Host

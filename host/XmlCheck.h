@@ -25,7 +25,9 @@ int CheckSale(const std::string& xml, const std::string& name);
 RuleHeader CheckRule(const std::string& xml, const std::string& name);
 
 /// The header of the first rule in a text, whatever else is wrong with it.
-RuleHeader HeaderOf(const std::string& xml);
+///
+/// @throw Failure with QNC_BAD_VALUE for an unknown `ProType`, under which nothing can be loaded.
+RuleHeader HeaderOf(const std::string& xml, const std::string& name);
 
 }  // namespace Corvane::Host
 

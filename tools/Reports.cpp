@@ -10,7 +10,6 @@ CheckReport ReadCheckReport(const std::string& json) {
   const Json root = Json::parse(json);
   CheckReport report;
   report.folder = root.value("folder", "");
-  report.isGood = root.value("ok", false);
   for (const Json& finding : root.at("findings")) {
     report.findings.push_back({finding.value("severity", "error") != "warning", finding.value("where", ""),
                                finding.value("what", ""), finding.value("mend", "")});

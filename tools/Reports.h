@@ -18,7 +18,6 @@ struct Finding {
 /// What a check found in a store.
 struct CheckReport {
   std::string folder;
-  bool isGood = false;
   std::vector<Finding> findings;
 };
 

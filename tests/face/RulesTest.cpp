@@ -53,6 +53,23 @@ TEST(Rules, OfAnotherFolderReplaceAllOrNone) {
   EXPECT_THAT(engine.State().Text, HasSubstr(R"("rules":["A"])"));
 }
 
+TEST(Rules, OfAnUnknownTypeAreRefusedBeforeTheOthersGo) {
+  const StoreFolder store;
+  std::filesystem::create_directory(store / "next");
+  store.Write("next/A.xml", RuleXml("A"));
+  store.Write("next/B.xml", RuleXml("B", "PTXX"));
+  const OpenEngine engine(store.Path());
+  ASSERT_EQ(engine.LoadRules().Code, QNC_OK);
+  const std::string before = engine.State().Text;
+  for (const unsigned flags : {0U, unsigned{QNC_LENIENT}}) {
+    const Told refused = engine.LoadRules("next", QNC_REPLACE | flags);
+    EXPECT_EQ(refused.Code, QNC_BAD_VALUE);
+    EXPECT_THAT(refused.Error, HasSubstr("ProType 'PTXX' is no type;"));
+    EXPECT_THAT(refused.Error, ::testing::StartsWith("next/B.xml:"));
+    EXPECT_EQ(engine.State().Text, before);
+  }
+}
+
 TEST(Rules, OfAFolderThatIsNotThereAreRefused) {
   const StoreFolder store;
   const OpenEngine engine(store.Path());
