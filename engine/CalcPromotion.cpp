@@ -30,20 +30,21 @@ std::int32_t RefuseMode(char* msg) {
   return -1;
 }
 
-std::int32_t Calculate(Text key, Text mode, Text xml, ResultPlace out, char* msg) {
+std::int32_t Calculate(Text key, Text mode, Text xml, ResultPlace out, char* msg, Explanation* explanation) {
   const DatabaseCall call(Promotion::Instance().Database().Shared());
   ProSale& sale = ProSale::Create(key);
   std::int32_t lineIndex = 0;
   if (!ReadSale(sale, xml, lineIndex)) CopyText(msg, StatusText(Status::UnknownError));
   Log(LogText::kSaleRead);
   if (Promotion::Instance().Rules().empty()) CopyText(msg, AnswerText::kNoRules);
+  if (explanation != nullptr) explanation->Begin(sale);
   const ModeStep run = FindMode(mode);
-  return run != nullptr ? run({sale, lineIndex, out, msg}) : RefuseMode(msg);
+  return run != nullptr ? run({sale, lineIndex, out, msg, explanation}) : RefuseMode(msg);
 }
 
 }  // namespace
 
-std::int32_t CalcPromotion(Text key, Text mode, Text xml, ResultPlace out, char* msg) {
+std::int32_t CalcPromotion(Text key, Text mode, Text xml, ResultPlace out, char* msg, Explanation* explanation) {
   Log(OrEmpty(mode));
   ProState& state = ProState::Instance();
   if (state.Check(msg) != 1) {
@@ -57,7 +58,7 @@ std::int32_t CalcPromotion(Text key, Text mode, Text xml, ResultPlace out, char*
       CopyText(msg, missing);
       return -1;
     }
-    return Calculate(key, mode, xml, out, msg);
+    return Calculate(key, mode, xml, out, msg, explanation);
   } catch (...) {
     CopyText(msg, StatusText(Status::UnknownError));
     return -1;

@@ -1,6 +1,7 @@
 #include "engine/Driver.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 
 #include "engine/HostBuffer.h"
@@ -29,11 +30,18 @@ bool RunsOnSale(const ProInfo& rule, const ProSale& sale) {
   return true;
 }
 
+/// The `IsCalc` of the sales on which the rule runs.
+Text KindOfSaleFor(const ProInfo& rule) {
+  if (Same(rule.Remark, "NVCZK")) return "2";
+  return Same(rule.Remark, "DVCZK") ? "1" : "0";
+}
+
 /// The test with its trace in the log.
-bool IsSkipped(const ProInfo& rule, const ProSale& sale) {
+bool IsSkipped(const ProInfo& rule, const ProSale& sale, RuleOutcome* outcome) {
   if (RunsOnSale(rule, sale)) return false;
   Log(LogText::kRuleSkipped);
   Log(OrEmpty(rule.BillNo));
+  Refuse(outcome, Reason::OtherKindOfSale).Has(Unit::Sale, sale.IsCalc).Needs(KindOfSaleFor(rule));
   return true;
 }
 
@@ -41,21 +49,55 @@ bool IsSkipped(const ProInfo& rule, const ProSale& sale) {
 
 constexpr Text kEveryClass = nullptr;
 
+/// A walk over the registry, in its order, for whoever asks.
+class ToldWalk {
+ public:
+  ToldWalk(const Calculation& calculation, Text kind, Text primary = kEveryClass) : m_asked(calculation.Asked) {
+    if (m_asked != nullptr) m_asked->BeginPass(Promotion::Instance().Rules(), calculation.Sale, kind, primary);
+  }
+
+  /// @return where the next rule tells of itself, in the registry's order; null where nobody asks.
+  RuleOutcome* Next() { return m_asked != nullptr ? m_asked->OutcomeOf(m_place++) : nullptr; }
+
+ private:
+  Explanation* m_asked;
+  std::size_t m_place = 0;
+};
+
+/// Tells that the rule's step runs elsewhere.
+void RefusePass(const RuleKind* kind, const ProInfo& rule, Text pass, RuleOutcome* outcome) {
+  if (kind == nullptr) {
+    Refuse(outcome, Reason::UnknownType).Has(Unit::Type, rule.ProType);
+  } else {
+    Refuse(outcome, Reason::OtherPass).Has(Unit::Pass, pass).Needs(NameOf(kind->RunsIn));
+  }
+}
+
 /// Runs the rule's step, if its type is one of the pass's.
-void RunStep(AnyRule& rule, ProSale& sale, Pass pass) {
+void RunStep(AnyRule& rule, ProSale& sale, Pass pass, RuleOutcome* outcome) {
   const RuleKind* const kind = FindKind(RuleKinds(), InfoOf(rule).ProType);
-  if (kind == nullptr || kind->RunsIn != pass) return;
-  RuleRun run(BaseOf(rule), sale);
+  if (kind == nullptr || kind->RunsIn != pass) {
+    RefusePass(kind, InfoOf(rule), NameOf(pass), outcome);
+    return;
+  }
+  RuleRun run(BaseOf(rule), sale, outcome);
   kind->Calc(rule, run);
 }
 
 /// One pass over the registry, in its order: the rules that are not skipped, of one stacking class, whose type is in
 /// the set. The skip test comes first, so that a skipped rule is logged once a pass.
-void RunPass(ProSale& sale, Text primary, Pass pass) {
+void RunPass(const Calculation& calculation, Text primary, Pass pass) {
+  ProSale& sale = calculation.Sale;
+  ToldWalk told(calculation, NameOf(pass), primary);
   for (const RulePtr& rule : Promotion::Instance().Rules()) {
+    RuleOutcome* const outcome = told.Next();
     const ProInfo& info = InfoOf(*rule);
-    if (IsSkipped(info, sale)) continue;
-    if (primary == kEveryClass || Same(info.Primary, primary)) RunStep(*rule, sale, pass);
+    if (IsSkipped(info, sale, outcome)) continue;
+    if (primary == kEveryClass || Same(info.Primary, primary)) {
+      RunStep(*rule, sale, pass, outcome);
+    } else {
+      Refuse(outcome, Reason::OtherClass).Has(Unit::Class, info.Primary).Needs(primary);
+    }
   }
 }
 
@@ -83,13 +125,22 @@ std::int32_t RunSingle(const Calculation& calculation) {
   ProSale& sale = calculation.Sale;
   // Without a line of its own the call has nothing to work on and fails here, before any rule.
   SalePlu& line = sale.Plus.at(static_cast<std::size_t>(calculation.LineIndex));
+  constexpr Text kPass = "Single";
+  ToldWalk told(calculation, kPass);
   for (const RulePtr& rule : Promotion::Instance().Rules()) {
+    RuleOutcome* const outcome = told.Next();
     const ProInfo& info = InfoOf(*rule);
-    if (IsSkipped(info, sale) || !Same(info.ProType, TypeWord::kLimit)) continue;
-    const auto* const limit = std::get_if<ProDirectLimit>(rule.get());
-    if (limit == nullptr) continue;
-    RuleRun run(*limit, sale);
-    limit->CalcRuleOnLine(run, line);
+    if (IsSkipped(info, sale, outcome)) continue;
+    if (!Same(info.ProType, TypeWord::kLimit)) {
+      RefusePass(FindKind(RuleKinds(), info.ProType), info, kPass, outcome);
+      continue;
+    }
+    RuleRun run(BaseOf(*rule), sale, outcome);
+    if (const auto* const limit = std::get_if<ProDirectLimit>(rule.get())) {
+      limit->CalcRuleOnLine(run, line);
+    } else {
+      run.Refuse(Reason::WrongClass).In(Unit::Type).Needs(info.ProType);
+    }
   }
   return HandOver(calculation, [&] { return LineXml(sale.OrgCode, line); });
 }
@@ -99,33 +150,33 @@ std::int32_t RunSingle(const Calculation& calculation) {
 std::int32_t RunAll(const Calculation& calculation) {
   Log(LogText::kModeAll);
   calculation.Sale.ResetResults();
-  RunPass(calculation.Sale, StackingClass::kDz, Pass::Combination);
-  RunPass(calculation.Sale, StackingClass::kDz, Pass::Ordinary);
-  RunPass(calculation.Sale, kEveryClass, Pass::Ordinary);
-  RunPass(calculation.Sale, kEveryClass, Pass::Combination);
+  RunPass(calculation, StackingClass::kDz, Pass::Combination);
+  RunPass(calculation, StackingClass::kDz, Pass::Ordinary);
+  RunPass(calculation, kEveryClass, Pass::Ordinary);
+  RunPass(calculation, kEveryClass, Pass::Combination);
   return WriteResult(calculation);
 }
 
 std::int32_t RunUnion(const Calculation& calculation) {
   Log(LogText::kModeUnion);
   calculation.Sale.ResetResults();
-  RunPass(calculation.Sale, StackingClass::kDz, Pass::Combination);
-  RunPass(calculation.Sale, StackingClass::kDz, Pass::Ordinary);
-  RunPass(calculation.Sale, kEveryClass, Pass::Ordinary);
+  RunPass(calculation, StackingClass::kDz, Pass::Combination);
+  RunPass(calculation, StackingClass::kDz, Pass::Ordinary);
+  RunPass(calculation, kEveryClass, Pass::Ordinary);
   return WriteResult(calculation);
 }
 
 std::int32_t RunZh(const Calculation& calculation) {
   Log(LogText::kModeZh);
   calculation.Sale.ResetResults();
-  RunPass(calculation.Sale, kEveryClass, Pass::Combination);
+  RunPass(calculation, kEveryClass, Pass::Combination);
   return WriteResult(calculation);
 }
 
 // --- Modes behind the line promotions: each builds on what is there --------------------------------------------------
 
 std::int32_t RunMzPromotion(const Calculation& calculation) {
-  RunPass(calculation.Sale, kEveryClass, Pass::FullAmount);
+  RunPass(calculation, kEveryClass, Pass::FullAmount);
   return WriteResult(calculation);
 }
 
@@ -141,8 +192,9 @@ std::int32_t RunGift(const Calculation& calculation) {
   Log(LogText::kModeGift);
   ProSale& sale = calculation.Sale;
   double used = 0;
+  ToldWalk told(calculation, "Gift");
   for (const RulePtr& rule : Promotion::Instance().Rules()) {
-    const std::int32_t answer = CheckGiftChoice(sale, InfoOf(*rule).BillNo, used);
+    const std::int32_t answer = CheckGiftChoice(sale, InfoOf(*rule).BillNo, used, told.Next());
     if (answer != GiftAnswer::kFits) return RefuseGiftChoice(answer, calculation.Msg);
   }
   for (const RulePtr& rule : Promotion::Instance().Rules()) SetGiftLeft(sale, InfoOf(*rule).BillNo, used);
@@ -152,17 +204,26 @@ std::int32_t RunGift(const Calculation& calculation) {
 /// Payments are known. There is no skip test here and in the use of coupons.
 std::int32_t RunPay(const Calculation& calculation) {
   Log(LogText::kModePay);
-  for (const RulePtr& rule : Promotion::Instance().Rules()) RunStep(*rule, calculation.Sale, Pass::Pay);
+  ToldWalk told(calculation, NameOf(Pass::Pay));
+  for (const RulePtr& rule : Promotion::Instance().Rules()) {
+    RunStep(*rule, calculation.Sale, Pass::Pay, told.Next());
+  }
   return WriteResult(calculation);
 }
 
 std::int32_t RunCoupon(const Calculation& calculation) {
   Log(LogText::kModeCoupon);
   // There is no test of the type here: every rule of the class that takes coupons does, also one that gives them too.
+  ToldWalk told(calculation, NameOf(Pass::Coupon));
   for (const RulePtr& rule : Promotion::Instance().Rules()) {
+    RuleOutcome* const outcome = told.Next();
     auto* const coupons = std::get_if<ProMzUseCoupon>(rule.get());
-    if (coupons == nullptr) continue;
-    RuleRun run(*coupons, calculation.Sale);
+    if (coupons == nullptr) {
+      const ProInfo& info = InfoOf(*rule);
+      RefusePass(FindKind(RuleKinds(), info.ProType), info, NameOf(Pass::Coupon), outcome);
+      continue;
+    }
+    RuleRun run(*coupons, calculation.Sale, outcome);
     coupons->CalcRule(run);
   }
   return WriteResult(calculation);

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <iterator>
 #include <new>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +17,7 @@
 #include "engine/Promotion.h"
 #include "engine/RuleCalls.h"
 #include "engine/SaleCalls.h"
+#include "host/ExplanationJson.h"
 #include "host/Failure.h"
 #include "host/JsonWriter.h"
 #include "host/ResultJson.h"
@@ -176,7 +178,7 @@ qnc_code CodeOf(std::int32_t answer) {
   return answer == kNumberOverflow ? QNC_NUMBER_OVERFLOW : QNC_REFUSED;
 }
 
-std::string Explained(qnc_code code, const std::string& message) {
+std::string TextOfAnswer(qnc_code code, const std::string& message) {
   switch (code) {
     case QNC_TOTAL_OVERFLOW:
       return message + ": the gifts that were chosen cost more than the sale has reached; choose less and send again";
@@ -185,6 +187,15 @@ std::string Explained(qnc_code code, const std::string& message) {
     default:
       return message + ": the sale could not be calculated; forget it and send it again, and read the log";
   }
+}
+
+/// The explanation of a call that has no result.
+std::string ExplanationAlone(const Explained& explained, const ProSale& sale) {
+  JsonWriter json;
+  json.Object();
+  WriteExplanation(json.Key("explanation"), explained, sale);
+  json.End();
+  return json.Take();
 }
 
 struct Request {
@@ -197,16 +208,26 @@ struct Request {
 void Calculate(const Request& asked, Outcome& outcome) {
   if ((asked.Flags & QNC_LENIENT) == 0) RequireLines(asked.Mode, CheckSale(asked.Xml, "sale"));
   std::array<char, 1024> message{};  // above the longest status text by far
+  const bool isExplained = (asked.Flags & QNC_EXPLAIN) != 0;
+  std::optional<Explained> explained;
+  if (isExplained) explained.emplace().Mode = asked.Mode;
   std::string result;
   const std::int32_t answer =
-      CalcPromotion(asked.Key.c_str(), asked.Mode.c_str(), asked.Xml.c_str(), ResultPlace(result), message.data());
+      CalcPromotion(asked.Key.c_str(), asked.Mode.c_str(), asked.Xml.c_str(), ResultPlace(result), message.data(),
+                    isExplained ? &explained->Told : nullptr);
+  const ProSale* const sale = ProSale::Find(asked.Key);
   if (answer != 0) {
     outcome.Code = CodeOf(answer);
-    outcome.Error = Explained(outcome.Code, message.data());
+    outcome.Error = TextOfAnswer(outcome.Code, message.data());
+    // What doesn't fit of a choice is told; where the calculation failed there is nothing to tell.
+    if (isExplained && outcome.Code != QNC_REFUSED && sale != nullptr) {
+      outcome.Result = ExplanationAlone(*explained, *sale);
+    }
     return;
   }
-  const ProSale* const sale = ProSale::Find(asked.Key);
-  outcome.Result = (asked.Flags & QNC_JSON) != 0 && sale != nullptr ? ResultJson(result, *sale) : std::move(result);
+  const bool isJson = isExplained || (asked.Flags & QNC_JSON) != 0;
+  outcome.Result =
+      isJson && sale != nullptr ? ResultJson(result, *sale, explained ? &*explained : nullptr) : std::move(result);
 }
 
 // --- State -----------------------------------------------------------------------------------------------------------
@@ -299,7 +320,7 @@ int qnc_calculate(qnc_engine* engine, const char* key, const char* mode, const c
                   unsigned limit_ms, char** result, char** error) {
   return Guarded(result, error, [&] {
     RequirePlace(result, "the result");
-    RequireFlags(flags, QNC_LENIENT | QNC_JSON);
+    RequireFlags(flags, QNC_LENIENT | QNC_JSON | QNC_EXPLAIN);
     const Request asked = {OrEmpty(key), OrEmpty(mode), OrEmpty(xml), flags};
     if (asked.Key.empty()) Fail(QNC_BAD_ARGUMENT, "no key; name the sale");
     RequireMode(asked.Mode);

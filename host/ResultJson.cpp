@@ -1,18 +1,17 @@
 #include "host/ResultJson.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdint>
 #include <iterator>
-#include <limits>
 #include <string_view>
-#include <system_error>
 #include <unordered_map>
 #include <vector>
 
 #include "base/Numbers.h"
 #include "base/Text.h"
 #include "base/Xml.h"
+#include "host/Cents.h"
+#include "host/ExplanationJson.h"
 #include "host/JsonWriter.h"
 
 namespace Corvane::Host {
@@ -31,35 +30,6 @@ constexpr std::string_view kAmounts[] = {"Price",     "Total",     "DisMoney", "
 template <std::size_t Size>
 bool IsAmong(const std::string_view (&names)[Size], std::string_view name) {
   return std::find(std::begin(names), std::end(names), name) != std::end(names);
-}
-
-/// The most cents that are told, upwards and downwards.
-constexpr std::int64_t kMostCents = std::numeric_limits<std::int64_t>::max();
-
-/// An amount in whole cents, from its text with two decimals: digit by digit, since a number doesn't hold the cents of
-/// every amount.
-std::int64_t CentsOf(std::string digits) {
-  digits.erase(std::remove(digits.begin(), digits.end(), '.'), digits.end());
-  std::int64_t cents = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), cents);
-  if (error == std::errc::result_out_of_range) return digits.front() == '-' ? -kMostCents : kMostCents;
-  return std::max(cents, -kMostCents);
-}
-
-/// Cents as a number of currency units.
-std::string UnitsOf(std::int64_t cents) {
-  constexpr std::int64_t kCentsOfUnit = 100;
-  constexpr std::int64_t kTen = 10;
-  const std::int64_t rest = std::abs(cents % kCentsOfUnit);
-  const std::string sign = cents < 0 ? "-" : "";
-  return sign + std::to_string(std::abs(cents / kCentsOfUnit)) + (rest < kTen ? ".0" : ".") + std::to_string(rest);
-}
-
-/// Sums of cents stay within what there is.
-std::int64_t Sum(std::int64_t left, std::int64_t right) {
-  std::int64_t sum = 0;
-  if (!__builtin_add_overflow(left, right, &sum) && sum >= -kMostCents) return sum;
-  return left < 0 ? -kMostCents : kMostCents;
 }
 
 // --- The result ------------------------------------------------------------------------------------------------------
@@ -110,7 +80,7 @@ std::int64_t AmountsBefore(const TiXmlElement* lines, const ProSale& sale) {
   for (const SalePlu& line : sale.Plus) amounts.emplace(line.SerialNo, line.TotalBefore);
   std::int64_t before = 0;
   for (const TiXmlElement& line : ChildElements(lines)) {
-    before = Sum(before, CentsOf(FormatF2(amounts[ToInt32(line.Attribute("SerialNo"))])));
+    before = SumOfCents(before, PrintedCents(amounts[ToInt32(line.Attribute("SerialNo"))]));
   }
   return before;
 }
@@ -133,7 +103,7 @@ std::vector<RuleSum> SumsOf(const TiXmlElement* rows) {
     const auto [place, isNew] = places.emplace(billNo, sums.size());
     if (isNew) sums.push_back({billNo, OrEmpty(row.Attribute("ProType")), 0});
     RuleSum& sum = sums[place->second];
-    sum.Cents = Sum(sum.Cents, CentsOf(OrEmpty(row.Attribute("DisMoney"))));
+    sum.Cents = SumOfCents(sum.Cents, CentsOf(OrEmpty(row.Attribute("DisMoney"))));
   }
   return sums;
 }
@@ -152,7 +122,7 @@ void WriteTotals(JsonWriter& json, const TiXmlElement& root, const ProSale& sale
     json.Key("cents").Integer(sum.Cents);
     json.Key("money").Number(UnitsOf(sum.Cents));
     json.End();
-    toPay = Sum(toPay, -sum.Cents);
+    toPay = SumOfCents(toPay, -sum.Cents);
   }
   json.End();
   json.Key("toPay").Number(UnitsOf(toPay));
@@ -162,7 +132,7 @@ void WriteTotals(JsonWriter& json, const TiXmlElement& root, const ProSale& sale
 
 }  // namespace
 
-std::string ResultJson(const std::string& xml, const ProSale& sale) {
+std::string ResultJson(const std::string& xml, const ProSale& sale, const Explained* explained) {
   const XmlDocument document(xml.c_str());
   const TiXmlElement& root = *document.Root();
   JsonWriter json;
@@ -171,6 +141,7 @@ std::string ResultJson(const std::string& xml, const ProSale& sale) {
   WriteSale(json, root);
   json.Key("totals");
   WriteTotals(json, root, sale);
+  if (explained != nullptr) WriteExplanation(json.Key("explanation"), *explained, sale);
   json.End();
   return json.Take();
 }

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "host/ExplanationJson.h"
 #include "sale/ProSale.h"
 
 namespace Corvane::Host {
@@ -11,7 +12,8 @@ namespace Corvane::Host {
 ///
 /// @param xml  the result of the engine.
 /// @param sale the sale that it is of.
-std::string ResultJson(const std::string& xml, const ProSale& sale);
+/// @param explained what goes into "explanation"; null for a result without.
+std::string ResultJson(const std::string& xml, const ProSale& sale, const Explained* explained = nullptr);
 
 }  // namespace Corvane::Host
 

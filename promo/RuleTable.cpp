@@ -18,15 +18,25 @@ RulePtr WithoutDatabase(const QnPosDBPro& /*db*/) {
   return std::make_shared<AnyRule>(std::in_place_type<Rule>);
 }
 
+void RefuseClass(const RuleRun& run) { run.Refuse(Reason::WrongClass).In(Unit::Type).Needs(run.Info().ProType); }
+
 template <class Rule>
 void Calc(AnyRule& rule, RuleRun& run) {
-  if (auto* const own = std::get_if<Rule>(&rule)) own->CalcRule(run);
+  if (auto* const own = std::get_if<Rule>(&rule)) {
+    own->CalcRule(run);
+  } else {
+    RefuseClass(run);
+  }
 }
 
 /// A rule that gives coupons is loaded as one that takes them: the two have one data shape, and the object answers to
 /// both steps.
 void GiveCoupons(AnyRule& rule, RuleRun& run) {
-  if (auto* const own = std::get_if<ProMzUseCoupon>(&rule)) own->ProMzCoupon::CalcRule(run);
+  if (auto* const own = std::get_if<ProMzUseCoupon>(&rule)) {
+    own->ProMzCoupon::CalcRule(run);
+  } else {
+    RefuseClass(run);
+  }
 }
 
 constexpr RulePtr (*kLoadedAsCouponUse)(const QnPosDBPro& db) = nullptr;
@@ -52,6 +62,22 @@ const RuleTable& RuleKinds() {
       {TypeWord::kUseCoupon, WithoutDatabase<ProMzUseCoupon>, Pass::Coupon, Calc<ProMzUseCoupon>},
   };
   return *table;
+}
+
+Text NameOf(Pass pass) {
+  switch (pass) {
+    case Pass::Ordinary:
+      return "Ordinary";
+    case Pass::Combination:
+      return "Combination";
+    case Pass::FullAmount:
+      return "FullAmount";
+    case Pass::Pay:
+      return "Pay";
+    case Pass::Coupon:
+      break;
+  }
+  return "Coupon";
 }
 
 const RuleKind* FindKind(const RuleTable& table, Text word) {

@@ -13,6 +13,9 @@ namespace Corvane {
 /// The passes over the registry in which rules run. A mode names the passes that it makes.
 enum class Pass { Ordinary, Combination, FullAmount, Pay, Coupon };
 
+/// @return the pass's name as it is spelled above; a constant.
+Text NameOf(Pass pass);
+
 /// One row of the table of types: the class that a type word loads, and when which of its steps runs. The registry goes
 /// by the word under which a rule is loaded, the driver by the rule's own `ProType`; where the two don't fit, nothing
 /// happens.

@@ -26,6 +26,16 @@ std::optional<ActionPrice> PriceByAction(const PluAction& action, double base, d
   return ActionPrice{0, 0, false};
 }
 
+void TellNoGain(const PluAction& action, const SalePlu& line, double base, RuleOutcome* outcome) {
+  const bool isReduction = Same(action.DisType, PriceKind::kReduction);
+  const bool isRate = Same(action.DisType, PriceKind::kRate);
+  Note(outcome, isReduction ? Reason::ReductionAbovePrice : Reason::NoGain)
+      .On(line)
+      .Row(action.SerialNo)
+      .Has(Unit::Price, base)
+      .Needs(isRate ? action.DisRate * base / 100 : action.DisPrice);
+}
+
 double BasePrice(const SalePlu& line, const ProInfo& rule) {
   const Taken given = TakenOn(line, [&](const ProResult& row) { return IsGivenBack(row, rule); });
   return Quotient(given.Money + line.Total, line.PluCount);

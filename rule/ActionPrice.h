@@ -5,6 +5,7 @@
 
 #include "base/Text.h"
 #include "rule/ProInfo.h"
+#include "rule/RuleOutcome.h"
 #include "rule/RuleRows.h"
 #include "sale/SaleRecords.h"
 
@@ -15,6 +16,7 @@ namespace PriceKind {
 constexpr Text kPrice = "PRC";    ///< a set unit price
 constexpr Text kRate = "RAT";     ///< a percentage of the unit price
 constexpr Text kReduction = "2";  ///< a fixed reduction of the unit price
+constexpr Text kAll = "PRC, RAT, 2";
 }  // namespace PriceKind
 
 /// What an action row makes of a unit price.
@@ -26,6 +28,9 @@ struct ActionPrice {
 
 /// @return nothing when the row brings no gain on a unit price of `base`.
 std::optional<ActionPrice> PriceByAction(const PluAction& action, double base, double quantity);
+
+/// Notes why a row brings no gain on a unit price of `base` on the line.
+void TellNoGain(const PluAction& action, const SalePlu& line, double base, RuleOutcome* outcome);
 
 /// The line's unit price before the discounts of the rule's own family, as its `ProMode` names it, and before "DZ"
 /// rules: these are given back.

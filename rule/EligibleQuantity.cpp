@@ -22,11 +22,15 @@ bool CountsAsUsed(const ProResult& row, Text primary, Text proType) {
   return (ownFamily && ownFamilyCounts) || Same(row.Primary, StackingClass::kDz);
 }
 
+/// Whether the row takes the whole line from a rule of this type.
+bool TakesWholeLine(const ProResult& row, Text proType) {
+  return TypeOf(proType).Has(Fact::TakesLinesWhole) && Same(row.ProType, proType);
+}
+
 double UsedQuantity(const SalePlu& line, Text primary, Text proType) {
-  const bool takesWhole = TypeOf(proType).Has(Fact::TakesLinesWhole);
   double used = 0;
   for (const ProResult& row : LastToFirst(line.ProResults)) {
-    if (takesWhole && Same(row.ProType, proType)) {
+    if (TakesWholeLine(row, proType)) {
       // Two such rules never share a line: the row takes all of it, whatever was summed so far. Rows met later add.
       used = line.PluCount;
     } else if (CountsAsUsed(row, primary, proType)) {
@@ -34,6 +38,13 @@ double UsedQuantity(const SalePlu& line, Text primary, Text proType) {
     }
   }
   return used;
+}
+
+/// Unlike the quantity: a "DJ" row never counts, and a row of the own family only under "PT".
+bool CountsAsUsedMoney(const ProResult& row, Text primary, Text proType) {
+  return Same(row.Primary, StackingClass::kDz) ||
+         (Same(row.Primary, StackingClass::kPt) && FamilyOf(row.ProType) == FamilyOf(proType) &&
+          !SameIgnoringCase(primary, StackingClass::kDj));
 }
 
 /// Whether the limit by quantity is enforced here and not by the type itself.
@@ -84,13 +95,47 @@ double GetCalcCount(const SalePlu& line, const ProInfo& rule, Text proType, cons
 double GetLineLeftTotal(const SalePlu& line, Text primary, Text proType) {
   double used = 0;
   for (const ProResult& row : LastToFirst(line.ProResults)) {
-    // Unlike the quantity: a "DJ" row never counts, and a row of the own family only under "PT".
-    const bool counts = Same(row.Primary, StackingClass::kDz) ||
-                        (Same(row.Primary, StackingClass::kPt) && FamilyOf(row.ProType) == FamilyOf(proType) &&
-                         !SameIgnoringCase(primary, StackingClass::kDj));
-    if (counts) used += row.BaseMoney;
+    if (CountsAsUsedMoney(row, primary, proType)) used += row.BaseMoney;
   }
   return line.Total - std::min(used, line.Total);
+}
+
+void TellNothingOpen(const SalePlu& line, const ProInfo& rule, Text proType, const std::vector<SalePlu>& lines,
+                     RuleOutcome* outcome) {
+  if (outcome == nullptr) return;
+  if (!(line.PluCount > 0)) {
+    Note(outcome, Reason::EmptyLine).On(line).Has(Unit::Quantity, line.PluCount);
+    return;
+  }
+  const double remaining = WithoutNoise(line.PluCount - UsedQuantity(line, rule.Primary, proType));
+  if (remaining > 0 && IsLimitedByQuantity(rule, proType)) {
+    Note(outcome, Reason::LimitUsedUp)
+        .On(line)
+        .Has(Unit::Quantity, HeldQuantity(lines, rule.BillNo))
+        .Needs(rule.MaxYhValue);
+    return;
+  }
+  Telling telling = Note(outcome, Reason::NothingOpen);
+  telling.On(line).Has(Unit::Quantity, remaining);
+  TellTakers(line, rule, proType, telling);
+}
+
+void TellTakers(const SalePlu& line, const ProInfo& rule, Text proType, Telling& telling) {
+  telling.TakenBy(line, [&](const ProResult& row) {
+    return TakesWholeLine(row, proType) || CountsAsUsed(row, rule.Primary, proType);
+  });
+}
+
+void TellNoMoneyOpen(const SalePlu& line, Text primary, Text proType, RuleOutcome* outcome) {
+  if (outcome == nullptr) return;
+  if (!(line.Total > 0)) {
+    Note(outcome, Reason::EmptyLine).On(line).Has(Unit::Money, line.Total);
+    return;
+  }
+  Note(outcome, Reason::NothingOpen)
+      .On(line)
+      .Has(Unit::Money, GetLineLeftTotal(line, primary, proType))
+      .TakenBy(line, [&](const ProResult& row) { return CountsAsUsedMoney(row, primary, proType); });
 }
 
 double GetRuleLeftCount(Text billNo, double limit, const std::vector<SalePlu>& lines) {

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "rule/ProInfo.h"
+#include "rule/RuleOutcome.h"
 #include "sale/SaleRecords.h"
 
 namespace Corvane {
@@ -23,6 +24,18 @@ double GetCalcCount(const SalePlu& line, const ProInfo& rule, Text proType, cons
 
 /// The money of `line` still open to a rule of this stacking class and type; never negative.
 double GetLineLeftTotal(const SalePlu& line, Text primary, Text proType);
+
+// Who asks why nothing is open is told by the same rows: the line holds nothing, rules took it, or the limit is used up.
+
+/// Notes why GetCalcCount left nothing of the line.
+void TellNothingOpen(const SalePlu& line, const ProInfo& rule, Text proType, const std::vector<SalePlu>& lines,
+                     RuleOutcome* outcome);
+
+/// Notes why GetLineLeftTotal left nothing of the line.
+void TellNoMoneyOpen(const SalePlu& line, Text primary, Text proType, RuleOutcome* outcome);
+
+/// Adds the rules that took quantity of the line to a decision.
+void TellTakers(const SalePlu& line, const ProInfo& rule, Text proType, Telling& telling);
 
 /// The limit less all quantity that the rule holds over `lines`, rounded with RoundMoney.
 double GetRuleLeftCount(Text billNo, double limit, const std::vector<SalePlu>& lines);

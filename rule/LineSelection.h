@@ -45,6 +45,12 @@ struct SplitRows {
 /// The lines that are one package or no package at all: `PackCnt` within 0.00001 of 1 or of 0.
 LinePtrs SelectSingleLines(std::vector<SalePlu>& lines);
 
+/// The same of the rule's sale; notes the packages.
+LinePtrs SelectSingleLines(const RuleRun& run);
+
+/// Notes the lines that "NOT" rows have taken out.
+void NoteExcluded(const RuleRun& run, const LinePtrs& before, const LinePtrs& behind);
+
 /// How rows name lines: by their goods codes, or by class pairs of the lines.
 enum class RowsBy { Goods, Class };
 

@@ -19,7 +19,8 @@ double SumOfMoney(const std::vector<ProResult*>& rows) {
   return sum;
 }
 
-void ShrinkTo(double limit, double total, const std::vector<ProResult*>& rows) {
+void ShrinkTo(double limit, double total, const std::vector<ProResult*>& rows, const ProSale& sale,
+              RuleOutcome* outcome) {
   double allocated = 0;
   std::int32_t number = 0;
   for (ProResult* row : rows) {
@@ -28,10 +29,10 @@ void ShrinkTo(double limit, double total, const std::vector<ProResult*>& rows) {
       Log(LogText::kLastRow);
       Log(LogText::kAllocated, FormatG6(allocated));
       Log(LogText::kMoneyLimit, FormatG6(limit));
-      row->DisMoney = limit - allocated;
+      SetRowMoney(outcome, sale.Plus, *row, limit - allocated, Change::Limit);
       return;
     }
-    row->DisMoney = RoundMoney(Quotient(row->DisMoney * limit, total));
+    SetRowMoney(outcome, sale.Plus, *row, RoundMoney(Quotient(row->DisMoney * limit, total)), Change::Limit);
     allocated += row->DisMoney;
     Log(LogText::kAllocated, FormatG6(allocated));
   }
@@ -39,22 +40,26 @@ void ShrinkTo(double limit, double total, const std::vector<ProResult*>& rows) {
 
 }  // namespace
 
-void LimitByMaxDiscount(const ProInfo& rule, ProSale& sale, LimitLog log) {
+void LimitByMaxDiscount(const ProInfo& rule, ProSale& sale, LimitLog log, RuleOutcome* outcome) {
   if (!Same(rule.MaxYhType, LimitKind::kMoney)) return;
   if (log == LimitLog::Announced) Log(LogText::kLimitedByMoney);
   const std::vector<ProResult*> rows = ResultsOfRule(sale.Plus, rule.BillNo);
   const double total = SumOfMoney(rows);
   Log(LogText::kRowsOfRule, FormatI(static_cast<std::int32_t>(rows.size())));
   if (!(std::fabs(total - rule.MaxYhValue) > 0.01) || !(total > rule.MaxYhValue)) return;
-  ShrinkTo(rule.MaxYhValue, total, rows);
+  Note(outcome, Reason::LimitedByMoney).Has(Unit::Money, total).Needs(rule.MaxYhValue);
+  ShrinkTo(rule.MaxYhValue, total, rows, sale, outcome);
 }
 
-void LimitInProportion(const ProInfo& rule, ProSale& sale) {
+void LimitInProportion(const ProInfo& rule, ProSale& sale, RuleOutcome* outcome) {
   if (!Same(rule.MaxYhType, LimitKind::kMoney)) return;
   const std::vector<ProResult*> rows = ResultsOfRule(sale.Plus, rule.BillNo);
   const double sum = SumOfMoney(rows);
   if (!(sum - rule.MaxYhValue > 0.01)) return;
-  for (ProResult* row : rows) row->DisMoney = Quotient(row->DisMoney * rule.MaxYhValue, sum);
+  Note(outcome, Reason::LimitedByMoney).Has(Unit::Money, sum).Needs(rule.MaxYhValue);
+  for (ProResult* row : rows) {
+    SetRowMoney(outcome, sale.Plus, *row, Quotient(row->DisMoney * rule.MaxYhValue, sum), Change::Limit);
+  }
 }
 
 }  // namespace Corvane

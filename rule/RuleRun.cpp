@@ -10,10 +10,38 @@
 
 namespace Corvane {
 
-RuleRun::RuleRun(const ProBase& rule, ProSale& sale)
-    : m_rule(rule), m_type(TypeOf(rule.Info.ProType)), m_sale(sale), m_vipType(rule.MemberText(sale)) {}
+RuleRun::RuleRun(const ProBase& rule, ProSale& sale, RuleOutcome* outcome)
+    : m_rule(rule),
+      m_type(TypeOf(rule.Info.ProType)),
+      m_sale(sale),
+      m_vipType(rule.MemberText(sale)),
+      m_outcome(outcome) {}
 
-bool RuleRun::MayActOnSale() const { return m_sale.CanApplyToSale(Info().Primary, Info().BillNo) && MeetsConditions(); }
+bool RuleRun::MayActOnSale() const {
+  const ProResult* const row = m_sale.RowAgainst(Info().Primary, Info().BillNo);
+  if (row == nullptr) return MeetsConditions();
+  Refuse(Same(row->ProBillNo, Info().BillNo) ? Reason::AlreadyOnSale : Reason::SaleTaken).TakenBy(*row);
+  return false;
+}
+
+// --- Telling why ----------------------------------------------------------------------------------------------------
+
+void RuleRun::RefuseUnreadable(const QString& reason) const {
+  if (m_outcome != nullptr) Refuse(Reason::Unreadable).Has(Unit::Words, reason.toUtf8().constData());
+}
+
+void RuleRun::NoteNothingOpen(const SalePlu& line) const {
+  TellNothingOpen(line, Info(), Info().ProType, m_sale.Plus, m_outcome);
+}
+
+void RuleRun::NoteNoMoneyOpen(const SalePlu& line) const {
+  TellNoMoneyOpen(line, Info().Primary, Info().ProType, m_outcome);
+}
+
+void RuleRun::TellTakersOf(const LinePtrs& lines, Telling& telling) const {
+  if (!telling.IsAsked()) return;
+  for (const SalePlu* line : lines) TellTakers(*line, Info(), Info().ProType, telling);
+}
 
 // --- What is open ---------------------------------------------------------------------------------------------------
 
@@ -32,13 +60,32 @@ bool RuleRun::HasActedOn(const SalePlu& line) const { return FindResult(line, In
 std::optional<double> RuleRun::Discount(SalePlu& line, const PluAction& action, Allowance& allowance) {
   double quantity = OpenCount(line);
   if (allowance.Limit != 0) {
-    if (allowance.Applied >= allowance.Limit) return std::nullopt;
+    if (allowance.Applied >= allowance.Limit) {
+      Note(Reason::RowLimitUsedUp)
+          .On(line)
+          .Row(action.SerialNo)
+          .Has(Unit::Quantity, allowance.Applied)
+          .Needs(allowance.Limit);
+      return std::nullopt;
+    }
     quantity = std::min(quantity, allowance.Limit - allowance.Applied);
   }
-  if (quantity <= 0) return std::nullopt;
-  const std::optional<ActionPrice> price = PriceByAction(action, BasePrice(line, Info()), quantity);
-  if (!price) return std::nullopt;
+  if (quantity <= 0) {
+    NoteNothingOpen(line);
+    return std::nullopt;
+  }
+  const double base = BasePrice(line, Info());
+  const std::optional<ActionPrice> price = PriceByAction(action, base, quantity);
+  if (!price) {
+    TellNoGain(action, line, base, m_outcome);
+    return std::nullopt;
+  }
   const Award award{quantity, price->Money, price->Price};
+  if (!price->ChangesLine) {
+    Note(Reason::UnknownPriceKind).On(line).Row(action.SerialNo).Has(Unit::Kind, action.DisType).Needs(PriceKind::kAll);
+  } else if (award.Money == 0) {
+    Note(Reason::GivesNothing).On(line).Row(action.SerialNo).Has(Unit::Money, 0.0);
+  }
   if (price->ChangesLine) {
     Lower(line, award.Money);
     line.DisNum = quantity;
@@ -69,7 +116,11 @@ void RuleRun::Record(SalePlu& line, const Award& award, Rows rows, Member member
   ProResult row = NewRow(award, member);
   if (rows == Rows::Results) row.YhMoney = 0;  // a result that nothing is apportioned by keeps no second amount
   if (rows != Rows::Results) line.Apportions.push_back(row);
-  if (rows != Rows::Apportions) line.ProResults.push_back(row);
+  if (rows == Rows::Apportions) return;
+  line.ProResults.push_back(row);
+  if (m_outcome == nullptr) return;
+  const auto place = static_cast<std::int32_t>(line.ProResults.size()) - 1;
+  m_outcome->Movements.push_back({Change::Discount, line.Index, place, row.DisNum, 0, row.DisMoney});
 }
 
 void RuleRun::RecordOrMerge(SalePlu& line, const Award& award) {
@@ -79,10 +130,17 @@ void RuleRun::RecordOrMerge(SalePlu& line, const Award& award) {
     return;
   }
   held->DisNum += award.Quantity;
-  held->DisMoney += award.Money;
+  SetRowMoney(m_outcome, m_sale.Plus, *held, held->DisMoney + award.Money, Change::Discount, award.Quantity);
 }
 
-void RuleRun::RecordOnSale(const Award& award, Member member) { m_sale.SaleResults.push_back(NewRow(award, member)); }
+void RuleRun::AddTail(ProResult& row, double tail) {
+  SetRowMoney(m_outcome, m_sale.Plus, row, row.DisMoney + tail, Change::Tail);
+}
+
+void RuleRun::RecordOnSale(const Award& award, Member member) {
+  m_sale.SaleResults.push_back(NewRow(award, member));
+  if (m_outcome != nullptr && award.Money != 0) ++m_outcome->SaleRows;
+}
 
 ProResult RuleRun::NewRow(const Award& award, Member member) const {
   ProResult row;
@@ -100,8 +158,8 @@ ProResult RuleRun::NewRow(const Award& award, Member member) const {
 
 // --- Limit ----------------------------------------------------------------------------------------------------------
 
-void RuleRun::Limit(LimitLog log) { LimitByMaxDiscount(Info(), m_sale, log); }
+void RuleRun::Limit(LimitLog log) { LimitByMaxDiscount(Info(), m_sale, log, m_outcome); }
 
-void RuleRun::LimitProportionally() { LimitInProportion(Info(), m_sale); }
+void RuleRun::LimitProportionally() { LimitInProportion(Info(), m_sale, m_outcome); }
 
 }  // namespace Corvane

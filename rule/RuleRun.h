@@ -1,6 +1,7 @@
 #ifndef QNCORVANE_RULE_RULERUN_H
 #define QNCORVANE_RULE_RULERUN_H
 
+#include <QString>
 #include <optional>
 #include <vector>
 
@@ -8,6 +9,7 @@
 #include "rule/LinePtrs.h"
 #include "rule/MaxDiscount.h"
 #include "rule/ProBase.h"
+#include "rule/RuleOutcome.h"
 #include "rule/RuleRows.h"
 #include "rule/RuleType.h"
 #include "sale/ProSale.h"
@@ -39,7 +41,8 @@ struct Allowance {
 /// it.
 class RuleRun {
  public:
-  RuleRun(const ProBase& rule, ProSale& sale);
+  /// @param outcome is told what the rule decides and gives; null where nobody asks.
+  RuleRun(const ProBase& rule, ProSale& sale, RuleOutcome* outcome = nullptr);
 
   const ProInfo& Info() const { return m_rule.Info; }
   const RuleType& Type() const { return m_type; }
@@ -47,10 +50,31 @@ class RuleRun {
   std::vector<SalePlu>& Lines() const { return m_sale.Plus; }
 
   /// Whether the rule's filters let it act on the sale; see ProBase::CheckBaseCondition, which tells the log.
-  bool MeetsConditions() const { return m_rule.CheckBaseCondition(m_sale); }
+  bool MeetsConditions() const { return m_rule.CheckBaseCondition(m_sale, m_outcome); }
 
   /// The same for full-amount rules, which ask first whether rules may still act on the sale.
   bool MayActOnSale() const;
+
+  // --- Telling why ----------------------------------------------------------------------------------------------------
+
+  /// Tells a decision on the way, for whoever asks.
+  Telling Note(Reason reason) const { return Corvane::Note(m_outcome, reason); }
+
+  /// Tells the decision that ends the rule's step.
+  Telling Refuse(Reason reason) const { return Corvane::Refuse(m_outcome, reason); }
+
+  /// Tells that the store didn't give the rule's rows. @param reason the database's words.
+  void RefuseUnreadable(const QString& reason) const;
+
+  /// Notes why nothing of the line is open to the rule, in quantity or in money.
+  void NoteNothingOpen(const SalePlu& line) const;
+  void NoteNoMoneyOpen(const SalePlu& line) const;
+
+  /// Adds the rules that took quantity of the lines to a decision.
+  void TellTakersOf(const LinePtrs& lines, Telling& telling) const;
+
+  /// Where decisions go; null where nobody asks.
+  RuleOutcome* Told() const { return m_outcome; }
 
   // --- What is open -------------------------------------------------------------------------------------------------
 
@@ -87,6 +111,9 @@ class RuleRun {
   /// Lowers the line's `Total` and nothing else, by money that its rows tell already: a rounding tail, or shares.
   void LowerTotal(SalePlu& line, double money);
 
+  /// Adds money to a row on one of the sale's lines, whoever wrote it: a rounding tail.
+  void AddTail(ProResult& row, double tail);
+
   /// Appends a row of the rule that belongs to the whole sale and to no line.
   void RecordOnSale(const Award& award, Member member);
 
@@ -106,7 +133,8 @@ class RuleRun {
   const ProBase& m_rule;
   const RuleType& m_type;
   ProSale& m_sale;
-  Text m_vipType;  ///< member type under which the rule acts, empty for none
+  Text m_vipType;          ///< member type under which the rule acts, empty for none
+  RuleOutcome* m_outcome;  ///< null where nobody asks
 };
 
 }  // namespace Corvane

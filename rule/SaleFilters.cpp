@@ -31,7 +31,23 @@ std::int64_t LeapYearsBefore(std::int64_t year) {
   return year <= 1901 ? 0 : upTo(year - 1) - upTo(1900);
 }
 
-/// Sunday = 0 to Saturday = 6; another number for a date that is none, which no list of weekdays holds.
+bool IsOneOfWeekDays(Text weekDays, Text date) {
+  if (IsEmpty(weekDays)) return false;
+  const std::vector<std::int32_t> days = SplitNumbers(weekDays, ',');
+  const std::int64_t weekday = WeekdayOf(date);
+  // Numbered from Sunday = 0: a "7" in the list never matches.
+  return weekday < 7 && std::find(days.begin(), days.end(), weekday) != days.end();
+}
+
+TimeFit FitOfHours(const ProTime& row, Text time) {
+  if (IsEmpty(row.StartTime)) return TimeFit::Fits;
+  if (CompareBytes(time, row.StartTime) < 0) return TimeFit::OutsideHours;
+  if (IsEmpty(row.EndTime)) return TimeFit::WithoutEnd;
+  return CompareBytes(time, row.EndTime) <= 0 ? TimeFit::Fits : TimeFit::OutsideHours;
+}
+
+}  // namespace
+
 std::int64_t WeekdayOf(Text date) {
   constexpr std::array<std::int64_t, 12> kDaysBefore = {0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334};
   constexpr std::int64_t kNoDay = 7;
@@ -46,27 +62,11 @@ std::int64_t WeekdayOf(Text date) {
   return days % 7;
 }
 
-bool IsOneOfWeekDays(Text weekDays, Text date) {
-  if (IsEmpty(weekDays)) return false;
-  const std::vector<std::int32_t> days = SplitNumbers(weekDays, ',');
-  const std::int64_t weekday = WeekdayOf(date);
-  // Numbered from Sunday = 0: a "7" in the list never matches.
-  return weekday < 7 && std::find(days.begin(), days.end(), weekday) != days.end();
-}
-
-bool IsInHours(const ProTime& row, Text time) {
-  if (IsEmpty(row.StartTime)) return true;
-  if (CompareBytes(time, row.StartTime) < 0 || IsEmpty(row.EndTime)) return false;
-  return CompareBytes(time, row.EndTime) <= 0;
-}
-
-}  // namespace
-
-bool MatchTime(const ProTime& row, Text date, Text time) {
-  if (row.StartDate == nullptr || row.EndDate == nullptr || row.Frequency == nullptr) return false;
-  if (CompareBytes(date, row.StartDate) < 0 || CompareBytes(date, row.EndDate) > 0) return false;
-  if (Same(row.Frequency, "WEEK") && !IsOneOfWeekDays(row.WeekDays, date)) return false;
-  return IsInHours(row, time);
+TimeFit FitOfTime(const ProTime& row, Text date, Text time) {
+  if (row.StartDate == nullptr || row.EndDate == nullptr || row.Frequency == nullptr) return TimeFit::Incomplete;
+  if (CompareBytes(date, row.StartDate) < 0 || CompareBytes(date, row.EndDate) > 0) return TimeFit::OutsideDates;
+  if (Same(row.Frequency, "WEEK") && !IsOneOfWeekDays(row.WeekDays, date)) return TimeFit::OutsideWeekDays;
+  return FitOfHours(row, time);
 }
 
 bool MatchPay(const ProPayMode& row, Text payMode, double money) {

@@ -13,6 +13,20 @@ namespace Corvane {
 
 namespace {
 
+/// Whether a line that has a result of the rule is passed over.
+bool IsPassedOver(const RuleRun& run, const SalePlu& line) {
+  if (!run.HasActedOn(line)) return false;
+  run.Note(Reason::AlreadyOnLine).On(line);
+  return true;
+}
+
+/// Whether a share is none.
+bool IsNoShare(const RuleRun& run, const SalePlu& line, const Award& share) {
+  if (share.Money != 0) return false;
+  run.Note(Reason::GivesNothing).On(line).Has(Unit::Money, 0.0);
+  return true;
+}
+
 /// Puts a rounding tail on the first apportion row of the first line that has any, and on the first result row of the
 /// first line that has any, whoever wrote them.
 void PutTailOnFirstRows(RuleRun& run, const LinePtrs& lines, double tail, Rows written) {
@@ -24,15 +38,15 @@ void PutTailOnFirstRows(RuleRun& run, const LinePtrs& lines, double tail, Rows w
       std::find_if(lines.begin(), lines.end(), [](const SalePlu* line) { return !line->ProResults.empty(); });
   if (discounted == lines.end()) return;
   if (run.Type().Has(Fact::LowersChosenLines)) run.LowerTotal(**discounted, tail);
-  if (written != Rows::Apportions) (*discounted)->ProResults.front().DisMoney += tail;
+  if (written != Rows::Apportions) run.AddTail((*discounted)->ProResults.front(), tail);
 }
 
 /// Puts a rounding tail on the rule's own rows: on the first line that has a result of it.
-void PutTailOnOwnRows(const RuleRun& run, double tail) {
+void PutTailOnOwnRows(RuleRun& run, double tail) {
   for (SalePlu& line : run.Lines()) {
     ProResult* const result = FindResult(line, run.Info().BillNo);
     Apportion* const apportion = FindRow(line.Apportions, run.Info().BillNo);
-    if (result != nullptr) result->DisMoney += tail;
+    if (result != nullptr) run.AddTail(*result, tail);
     if (apportion != nullptr) apportion->AppMoney() += tail;
     if (result != nullptr) return;
   }
@@ -103,12 +117,16 @@ Award ShareOfLine(const RuleRun& run, SalePlu& line, double money, double base, 
 }  // namespace
 
 void SpreadOverLinePtrs(RuleRun& run, const LinePtrs& lines, double money, double base, const SpreadOptions& options) {
-  if (money == 0 || WithoutNoise(base) == 0 || lines.empty()) return;
+  if (money == 0) return;
+  if (WithoutNoise(base) == 0 || lines.empty()) {
+    run.Note(Reason::GivesNothing).On(lines).Has(Unit::Money, 0.0);
+    return;
+  }
   double sum = 0;
   for (SalePlu* line : lines) {
-    if (run.HasActedOn(*line)) continue;
+    if (IsPassedOver(run, *line)) continue;
     Award share = ShareOfLine(run, *line, money, base, options.Part);
-    if (share.Money == 0) continue;
+    if (IsNoShare(run, *line, share)) continue;
     share.BaseMoney =
         share.Quantity > 0 ? share.Quantity * line->FinalPrice : Quotient(base * line->Total, SumOfTotals(lines));
     const bool follows = options.Price == FinalPrice::Follows && options.Part != PartBy::DisNum;
@@ -125,11 +143,14 @@ void SpreadOverLinePtrs(RuleRun& run, const LinePtrs& lines, double money, doubl
 
 void SpreadOverLines(RuleRun& run, double money, double base, FinalPrice price) {
   const double whole = SumOfTotals(run.Lines());
-  if (WithoutNoise(base) == 0 || WithoutNoise(whole) == 0) return;
+  if (WithoutNoise(base) == 0 || WithoutNoise(whole) == 0) {
+    run.Note(Reason::GivesNothing).Has(Unit::Money, 0.0);
+    return;
+  }
   const bool leavesTotals = run.Type().Has(Fact::LeavesWholeSale);
   double sum = 0;
   for (SalePlu& line : run.Lines()) {
-    if (run.HasActedOn(line)) continue;
+    if (IsPassedOver(run, line)) continue;
     Award share;
     share.Quantity = CeilSingle(run.Type().Has(Fact::TellsDisNum) ? line.DisNum : line.PluCount);
     const bool byQuantity = !leavesTotals && share.Quantity > 0;
@@ -155,7 +176,7 @@ double GiveFixedShare(RuleRun& run, SalePlu& line, const LinePtrs& lines, double
   const double unit = RoundMoney(UnitBeforeCombinations(line));
   Award share;
   share.Money = RoundMoney(Quotient(unit * line.DisNum, value) * discount);
-  if (share.Money == 0) return 0;
+  if (IsNoShare(run, line, share)) return 0;
   share.NewPrice = RoundMoney(unit - Quotient(share.Money, line.DisNum));
   share.Quantity = CeilSingle(line.DisNum);
   line.DisNum = 0;
@@ -170,7 +191,7 @@ void SpreadFixedDiscount(RuleRun& run, const LinePtrs& lines, double discount, d
   if (discount == 0 || lines.empty()) return;
   double spread = 0;
   for (SalePlu* line : lines) {
-    if (!run.HasActedOn(*line)) spread += GiveFixedShare(run, *line, lines, discount, value);
+    if (!IsPassedOver(run, *line)) spread += GiveFixedShare(run, *line, lines, discount, value);
   }
   const double tail = discount - spread;
   if (tail != 0) PutTailOnFirstRows(run, lines, tail, Rows::Both);
@@ -232,7 +253,7 @@ void PutTailOnLastLine(RuleRun& run, const LinePtrs& lines, double tail) {
     if (Apportion* const apportion = FindRow(line->Apportions, run.Info().BillNo)) apportion->AppMoney() += tail;
     ProResult* const result = FindResult(*line, run.Info().BillNo);
     if (result == nullptr) continue;
-    result->DisMoney += tail;
+    run.AddTail(*result, tail);
     run.LowerTotal(*line, tail);
     return;
   }
@@ -247,7 +268,7 @@ void SettlePool(RuleRun& run, const LinePtrs& lines, double money) {
     actual += line->Total;
     for (ProResult& row : line->ProResults) {
       if (!Same(row.ProBillNo, run.Info().BillNo)) continue;
-      row.DisMoney = RoundThroughF2(row.DisMoney);
+      SetRowMoney(run.Told(), run.Lines(), row, RoundThroughF2(row.DisMoney), Change::Rounding);
       discount += row.DisMoney;
     }
   }

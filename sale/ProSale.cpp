@@ -21,20 +21,35 @@ const std::vector<LineCodes>& ProSale::CodesOfLines(std::size_t most) {
   return m_codes;
 }
 
-bool ProSale::CanApplyToSale(Text primary, Text billNo) const {
-  int counted = 0;
+const ProResult* ProSale::RowAgainst(Text primary, Text billNo) const {
+  const ProResult* counted = nullptr;
   for (const ProResult& row : LastToFirst(SaleResults)) {
-    if (Same(row.ProBillNo, billNo) || Same(row.Primary, "DZ")) return false;
-    if (Same(row.Primary, "PT") && Same(primary, "PT")) return false;
-    if (CountsAgainstFurtherRules(row.Primary)) ++counted;
+    if (Same(row.ProBillNo, billNo) || Same(row.Primary, "DZ")) return &row;
+    if (Same(row.Primary, "PT") && Same(primary, "PT")) return &row;
+    if (CountsAgainstFurtherRules(row.Primary)) counted = &row;
   }
-  return counted == 0;
+  return counted;
 }
 
 double ProSale::SaleTotal() const {
   double total = 0;
   for (const SalePlu& line : Plus) total += line.Total;
   return total;
+}
+
+void ProSale::CopyFrom(const ProSale& sale) {
+  OrgCode = sale.OrgCode;
+  BillNo = sale.BillNo;
+  IsCalc = sale.IsCalc;
+  Plus = sale.Plus;
+  Pays = sale.Pays;
+  Vips = sale.Vips;
+  SaleResults = sale.SaleResults;
+  ProGifts = sale.ProGifts;
+  Gifts = sale.Gifts;
+  Coupons = sale.Coupons;
+  GivenCoupons = sale.GivenCoupons;
+  ForgetCodes();
 }
 
 void ProSale::ResetResults() {

@@ -40,10 +40,16 @@ class ProSale : public Multiton<ProSale, std::string>, public ProError {
   void ForgetCodes() { m_codes.clear(); }
 
   /// Whether a full-amount rule may still act on the sale, by what `SaleResults` holds.
-  bool CanApplyToSale(Text primary, Text billNo) const;
+  bool CanApplyToSale(Text primary, Text billNo) const { return RowAgainst(primary, billNo) == nullptr; }
+
+  /// The sale-level row that keeps such a rule from acting, or null.
+  const ProResult* RowAgainst(Text primary, Text billNo) const;
 
   /// The sum of `Total` over the lines; 0 for no lines.
   double SaleTotal() const;
+
+  /// Takes over what another sale holds. Its texts stay the other's, which has to outlive this one.
+  void CopyFrom(const ProSale& sale);
 
   /// Empties what calculations and the front end left: the lines' results, the offers, gifts and coupons. Payments,
   /// members and sale-level results stay, and so do the lines' amounts.

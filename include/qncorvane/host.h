@@ -70,7 +70,8 @@ typedef enum qnc_code {
 enum qnc_flags {
   QNC_LENIENT = 1, /**< XML is read as far as it goes */
   QNC_JSON = 2,    /**< the result is JSON in place of XML; see qnc_calculate */
-  QNC_REPLACE = 4  /**< qnc_load_rules: the rules of the folder, and no others */
+  QNC_REPLACE = 4, /**< qnc_load_rules: the rules of the folder, and no others */
+  QNC_EXPLAIN = 8  /**< qnc_calculate: JSON that tells why, too; see docs/explanations.md */
 };
 
 /** @return the version, e.g. "1.2.0". A constant, not to be given back. */
@@ -132,7 +133,7 @@ QNCORVANE_API int qnc_clear_rules(qnc_engine* engine, const char* bill_no, unsig
  * @param key    names the sale; the first call with a key creates it, and it lives until it is forgotten.
  * @param mode   "Single", "All", "Union", "Zh", "MzPromotion", "Gift", "Pay" or "Coupon".
  * @param xml    the sale XML, merged into what the engine holds of the sale.
- * @param flags  QNC_LENIENT, QNC_JSON.
+ * @param flags  QNC_LENIENT, QNC_JSON, QNC_EXPLAIN.
  * @param result out: the result XML, byte for byte that of the eight calls; with QNC_JSON an object:
  *               - "sale": the result's `BillNo` and `OrgCode`, and its groups as arrays in the result's order ("Plu",
  *                 "ProResult", "Apportion", "ProGifts", "ProCoupons"; those that the mode's form has), with the same
@@ -142,6 +143,11 @@ QNCORVANE_API int qnc_clear_rules(qnc_engine* engine, const char* bill_no, unsig
  *               - "totals": "beforeCents", the amounts that were sent; "rules", by rule in the order of the discount
  *                 rows, "billNo", "type" and "cents"; "toPayCents"; and the same in currency units, "before", "money" of each
  *                 rule, "toPay".
+ *               With QNC_EXPLAIN it is that object, QNC_JSON given or not, and in it "explanation": for every rule and pass
+ *               of the mode what it gave or why it gave nothing, the way of each line's amount from discount to discount, and
+ *               what would have to be added to get more. The form is that of docs/explanation.schema.json. A choice of
+ *               gifts that is refused has an explanation, too, and nothing else in the object. Nothing is recorded
+ *               without the flag, and the log is the same with it.
  */
 QNCORVANE_API int qnc_calculate(qnc_engine* engine, const char* key, const char* mode, const char* xml, unsigned flags,
                                 unsigned limit_ms, char** result, char** error);

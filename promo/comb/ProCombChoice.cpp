@@ -36,10 +36,24 @@ constexpr RowField<CombChoiceRow> kRowColumns[] = {
 /// comes down to the line's price and stays there for the rest of the calculation.
 void SellAtRowPrice(RuleRun& run, CombChoiceRow& row, SalePlu& line) {
   const double unit = UnitBeforeCombinations(line);
+  if (!(row.DscPrice < unit)) {
+    run.Note(Reason::NoGain).On(line).Slot(row.ProActCode).Has(Unit::Price, unit).Needs(row.DscPrice);
+  }
   if (row.DscPrice > unit) row.DscPrice = unit;
-  if (!(line.DisNum > 0)) return;
+  if (!(line.DisNum > 0)) {
+    run.NoteNothingOpen(line);
+    return;
+  }
   // Always a row of its own, also where the rule has one on the line.
   run.Give(line, {line.DisNum, RoundMoney((unit - row.DscPrice) * line.DisNum), row.DscPrice});
+}
+
+/// Notes that an article fills no whole menu by itself.
+void NoteShort(const RuleRun& run, Text slot, const CombChoiceRow& row, const LinePtrs& holding, double menus) {
+  if (run.Told() == nullptr) return;
+  Telling telling = run.Note(Reason::SlotShort);
+  telling.On(holding).Slot(slot).Goods(row.PluCode).Has(Unit::Count, menus).Needs(1);
+  run.TellTakersOf(holding, telling);
 }
 
 /// The lines that hold the article, from the last to the first.
@@ -58,7 +72,7 @@ void ProCombChoice::CalcRule(RuleRun& run) {
   Log(LogText::kChoiceStarts);
   if (!run.MeetsConditions()) return;
   // Slots and rows that can't be read are missing; the rule goes on with those that were.
-  LoadRuleDetail();
+  LoadRuleDetail(run);
   Log(LogText::kChoiceRowsRead);
   LinePtrs matched;
   const std::int32_t sets = GetChoiceSets(run, matched);
@@ -70,18 +84,26 @@ void ProCombChoice::CalcRule(RuleRun& run) {
 
 // --- Rows -----------------------------------------------------------------------------------------------------------
 
-void ProCombChoice::LoadRuleDetail() {
+void ProCombChoice::LoadRuleDetail(const RuleRun& run) {
   m_slots.clear();
   QString error;
   DetailTables tables(m_db, Info.BillNo, error);
-  if (!tables.Open()) return;
+  if (!tables.Open()) {
+    run.RefuseUnreadable(error);
+    return;
+  }
   std::vector<CombChoiceRow> rows;
   const bool read =
       tables.Read(tables.Select("select ProActCode,ProActname,IsRequired from tProPrjCombProAct where BillNo="),
                   kSlotColumns, m_slots) &&
       tables.Read(tables.Select("select ProActCode,PluCode,SaleCount,DscPrice from tProPrjCombPluSet where BillNo="),
                   kRowColumns, rows);
-  if (!read) Log(error);
+  if (!read) {
+    Log(error);
+    run.RefuseUnreadable(error);
+  } else if (m_slots.empty()) {
+    run.Refuse(Reason::NoRows);
+  }
   for (const CombChoiceRow& row : rows) PutIntoSlot(row);
 }
 
@@ -99,11 +121,12 @@ void ProCombChoice::PutIntoSlot(const CombChoiceRow& row) {
 ///
 /// @param matched out: the lines that a slot may take, article by article.
 std::int32_t ProCombChoice::GetChoiceSets(const RuleRun& run, LinePtrs& matched) const {
-  const LinePtrs candidates = SelectSingleLines(run.Lines());
+  const LinePtrs candidates = SelectSingleLines(run);
   if (candidates.empty()) return 0;
   std::int32_t sets = 0;
   // Fractions are dropped at each step: two lines of 0.5 make no menu.
   for (const SalePlu* line : LastToFirst(candidates)) sets = TruncToInt32(sets + line->PluCount);
+  if (sets == 0) run.Note(Reason::SlotShort).On(candidates).Has(Unit::Count, 0.0).Needs(1);
   for (const CombChoiceSlot& slot : LastToFirst(m_slots)) {
     // An optional slot is asked too, for the lines that it adds; its answer doesn't count.
     const std::int32_t slotSets = GetSlotSets(run, slot, candidates, matched);
@@ -124,6 +147,7 @@ std::int32_t ProCombChoice::GetSlotSets(const RuleRun& run, const CombChoiceSlot
     if (!IsSetSize(row.SaleCount)) {
       // The rows have no number of their own: slot and article tell which one it is.
       LogUnusableSaleCount(Info.BillNo, Join(slot.ProActCode, "/", row.PluCode));
+      run.Note(Reason::UnusableRow).Slot(slot.ProActCode).Goods(row.PluCode).Has(Unit::Count, row.SaleCount).Needs(1);
       continue;
     }
     const LinePtrs holding = LinesOf(row.PluCode, candidates);
@@ -131,11 +155,16 @@ std::int32_t ProCombChoice::GetSlotSets(const RuleRun& run, const CombChoiceSlot
     for (const SalePlu* line : holding) open += run.OpenCount(*line);
     const double menus = Quotient(open, row.SaleCount);
     sum += menus;
+    if (menus < 1) NoteShort(run, slot.ProActCode, row, holding, menus);
     if (menus >= 1 && LinesOf(row.PluCode, matched).empty()) {
       matched.insert(matched.end(), holding.begin(), holding.end());
     }
   }
-  return TruncToInt32(sum);
+  const std::int32_t sets = TruncToInt32(sum);
+  if (sets == 0 && slot.Kind() == SlotKind::Mandatory) {
+    run.Refuse(Reason::SlotShort).Slot(slot.ProActCode).Has(Unit::Count, sum).Needs(1);
+  }
+  return sets;
 }
 
 // --- Discount -------------------------------------------------------------------------------------------------------
@@ -161,6 +190,7 @@ void SortSlotRows(CombChoiceSlot& slot) {
 void ProCombChoice::DiscountChoiceRow(RuleRun& run, CombChoiceRow& row, const LinePtrs& matched,
                                       std::int64_t& remaining) const {
   const std::int32_t menus = MenusOfRow(run, row, matched, remaining);
+  if (menus <= 0 && run.Told() != nullptr) NoteShort(run, row.ProActCode, row, LinesOf(row.PluCode, matched), menus);
   double need = row.SaleCount * menus;
   remaining = std::max<std::int64_t>(0, remaining - menus);
   if (need < 1) return;
@@ -184,6 +214,7 @@ std::int32_t ProCombChoice::MenusOfRow(const RuleRun& run, const CombChoiceRow& 
   const auto menus = static_cast<std::int32_t>(served);
   // The limit by quantity counts the menus of one row.
   const bool overLimit = Same(Info.MaxYhType, LimitKind::kQuantity) && menus > Info.MaxYhValue;
+  if (overLimit) run.Note(Reason::LimitUsedUp).Slot(row.ProActCode).Has(Unit::Quantity, menus).Needs(Info.MaxYhValue);
   return overLimit ? TruncToInt32(Info.MaxYhValue) : menus;
 }
 

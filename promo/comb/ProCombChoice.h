@@ -46,7 +46,7 @@ class ProCombChoice : public ProBase {
   void CalcRule(RuleRun& run);
 
  private:
-  void LoadRuleDetail();
+  void LoadRuleDetail(const RuleRun& run);
   void PutIntoSlot(const CombChoiceRow& row);
 
   std::int32_t GetChoiceSets(const RuleRun& run, LinePtrs& matched) const;

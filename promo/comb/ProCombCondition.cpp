@@ -48,6 +48,20 @@ constexpr RowField<PluAction> kActionColumns[] = {
 /// Whether a demand is made at all and not met.
 bool IsShort(double demand, double held) { return demand > 0 && demand > held; }
 
+/// Tells the demand of a condition row that is not met.
+void RefuseShort(const RuleRun& run, const PluCondition& condition, double count, double money) {
+  if (run.Told() == nullptr) return;
+  const bool isShortOfPieces = IsShort(condition.MinNum, count);
+  Telling telling = run.Refuse(Reason::ConditionShort);
+  for (const SalePlu& line : run.Lines()) {
+    if (RowNamesLine(condition, line)) telling.On(line);
+  }
+  telling.Goods(NamesGoods(condition) ? condition.PluCode : nullptr)
+      .Row(condition.SerialNo)
+      .Has(isShortOfPieces ? Unit::Quantity : Unit::Money, isShortOfPieces ? count : money)
+      .Needs(isShortOfPieces ? condition.MinNum : condition.MinMoney);
+}
+
 }  // namespace
 
 void ProCombCondition::InitRule(Text xml) { ReadRule(xml, *this); }
@@ -57,12 +71,14 @@ void ProCombCondition::CalcRule(RuleRun& run) {
   QString message;
   if (!LoadRuleDetail(message)) {
     Log(QString::fromUtf8(LogText::kConditionFailed) + message);
+    run.RefuseUnreadable(message);
     return;
   }
-  const LinePtrs single = SelectSingleLines(run.Lines());
+  if (m_actions.empty()) run.Refuse(Reason::NoRows);
+  const LinePtrs single = SelectSingleLines(run);
   if (single.empty()) return;
   CombPool pool = GetCondLines(run, single);
-  if (!CheckCondRows(run.Lines(), pool) || !MeetsControl(pool)) return;
+  if (!CheckCondRows(run, pool) || !MeetsControl(run, pool)) return;
   Discounts given;
   DiscountByGoods(run, pool.Lines, given);
   DiscountByClass(run, pool.Lines, given);
@@ -101,9 +117,13 @@ CombPool ProCombCondition::GetCondLines(const RuleRun& run, const LinePtrs& cand
     const double open = run.OpenCount(*line);
     pool.Money += GetLineLeftTotal(*line, Info.Primary, Info.ProMode);  // under the family word, not the type
     pool.Quantity += open;
-    if (open == 0) continue;
+    if (open == 0) {
+      run.NoteNothingOpen(*line);
+      continue;
+    }
     const auto naming = std::count_if(m_actions.begin(), m_actions.end(),
                                       [&](const PluAction& action) { return RowNamesLine(action, *line); });
+    if (naming == 0) run.Note(Reason::NotNamed).On(*line);
     pool.Lines.insert(pool.Lines.end(), static_cast<std::size_t>(naming), line);
   }
   return pool;
@@ -114,19 +134,22 @@ CombPool ProCombCondition::GetCondLines(const RuleRun& run, const LinePtrs& cand
 ///
 /// @param sums in and out: with condition rows, what they cover in place of what is open. A line that two rows cover
 ///             counts twice.
-bool ProCombCondition::CheckCondRows(const std::vector<SalePlu>& lines, CombPool& sums) const {
+bool ProCombCondition::CheckCondRows(const RuleRun& run, CombPool& sums) const {
   if (m_conditions.empty()) return true;
   sums.Quantity = 0;
   sums.Money = 0;
   for (const PluCondition& condition : LastToFirst(m_conditions)) {
     double count = 0;
     double money = 0;
-    for (const SalePlu& line : LastToFirst(lines)) {
+    for (const SalePlu& line : LastToFirst(run.Lines())) {
       if (!RowNamesLine(condition, line)) continue;
       count += line.PluCount;
       money += line.PluCount * line.FinalPrice;
     }
-    if (IsShort(condition.MinNum, count) || IsShort(condition.MinMoney, money)) return false;
+    if (IsShort(condition.MinNum, count) || IsShort(condition.MinMoney, money)) {
+      RefuseShort(run, condition, count, money);
+      return false;
+    }
     sums.Quantity += count;
     sums.Money += money;
   }
@@ -134,10 +157,17 @@ bool ProCombCondition::CheckCondRows(const std::vector<SalePlu>& lines, CombPool
 }
 
 /// Only the first control row counts.
-bool ProCombCondition::MeetsControl(const CombPool& sums) const {
+bool ProCombCondition::MeetsControl(const RuleRun& run, const CombPool& sums) const {
   if (m_controls.empty()) return true;
   const CombCondCtrl& control = m_controls.front();
-  return !IsShort(control.CountTotal, sums.Quantity) && !IsShort(control.PriceTotal, sums.Money);
+  const bool isShortOfPieces = IsShort(control.CountTotal, sums.Quantity);
+  if (!isShortOfPieces && !IsShort(control.PriceTotal, sums.Money)) return true;
+  const double demand = isShortOfPieces ? control.CountTotal : control.PriceTotal;
+  run.Refuse(Reason::TotalShort)
+      .On(sums.Lines)
+      .Has(isShortOfPieces ? Unit::Quantity : Unit::Money, isShortOfPieces ? sums.Quantity : sums.Money)
+      .Needs(demand);
+  return false;
 }
 
 // --- Discount -------------------------------------------------------------------------------------------------------
@@ -163,7 +193,10 @@ void ProCombCondition::DiscountByClass(RuleRun& run, const LinePtrs& matched, Di
 void ProCombCondition::DiscountByRow(RuleRun& run, const PluAction& action, const LinePtrs& lines,
                                      Discounts& given) const {
   for (SalePlu* line : lines) {
-    if (!(run.OpenCount(*line) > 0)) continue;
+    if (!(run.OpenCount(*line) > 0)) {
+      run.NoteNothingOpen(*line);
+      continue;
+    }
     const bool isApportioned = FindRow(line->Apportions, Info.BillNo) != nullptr;
     Allowance unlimited;
     const std::optional<double> taken = run.Discount(*line, action, unlimited);

@@ -36,8 +36,8 @@ class ProCombCondition : public ProBase {
   bool LoadRuleDetail(QString& error);
 
   CombPool GetCondLines(const RuleRun& run, const LinePtrs& candidates) const;
-  bool CheckCondRows(const std::vector<SalePlu>& lines, CombPool& sums) const;
-  bool MeetsControl(const CombPool& sums) const;
+  bool CheckCondRows(const RuleRun& run, CombPool& sums) const;
+  bool MeetsControl(const RuleRun& run, const CombPool& sums) const;
 
   /// For each discount in its order: whether the line had an apportion row of the rule already.
   using Discounts = std::vector<bool>;

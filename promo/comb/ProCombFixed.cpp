@@ -1,6 +1,7 @@
 #include "promo/comb/ProCombFixed.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "base/Numbers.h"
 #include "base/Walk.h"
@@ -20,6 +21,7 @@ namespace {
 namespace FixedPrice {
 constexpr Text kPerArticle = "DP";
 constexpr Text kPerCombination = "TC";
+constexpr Text kAll = "DP, TC";
 }  // namespace FixedPrice
 
 using PriceColumn = FromColumn<CombFixedPrice>;
@@ -45,6 +47,7 @@ constexpr Text kRowsFailed = "查询数据库失败";
 void SellAtUnitPrice(RuleRun& run, const CombFixedRow& row, SalePlu& line, double quantity) {
   const double unit = UnitBeforeCombinations(line);
   const double price = std::min(row.DscPrice, unit);
+  if (!(price < unit)) run.Note(Reason::NoGain).On(line).Row(row.SerialNo).Has(Unit::Price, unit).Needs(row.DscPrice);
   line.DisNum = quantity;
   run.Give(line, {quantity, (unit - price) * quantity, price});
 }
@@ -59,10 +62,12 @@ void ProCombFixed::CalcRule(RuleRun& run) {
   QString message;
   if (!LoadRuleDetail(message)) {
     Log(message);
+    run.RefuseUnreadable(message);
     return;
   }
+  if (m_rows.empty()) run.Refuse(Reason::NoRows);
   SortAscending(m_rows, [](const CombFixedRow& row) { return row.SaleCount; });
-  const LinePtrs single = SelectSingleLines(run.Lines());
+  const LinePtrs single = SelectSingleLines(run);
   if (single.empty()) return;
   const std::optional<FixedSets> found = GetFixedSets(run, single);
   if (!found || found->Lines.empty()) return;
@@ -112,19 +117,34 @@ std::optional<ProCombFixed::FixedSets> ProCombFixed::GetFixedSets(const RuleRun&
     const Article article = TakeArticle(run, row.PluCode, candidates, found.Lines);
     if (!IsSetSize(row.SaleCount)) {
       LogUnusableSaleCount(Info.BillNo, row.SerialNo);
+      run.Refuse(Reason::UnusableRow).Row(row.SerialNo).Has(Unit::Count, row.SaleCount).Needs(1);
       return std::nullopt;
     }
-    if (row.SaleCount > article.Quantity) return std::nullopt;
+    if (row.SaleCount > article.Quantity) {
+      RefuseShort(run, row, candidates, article.Quantity);
+      return std::nullopt;
+    }
     const std::int32_t sets = WholeSets(article.Quantity, row.SaleCount);
     found.Sets = isFirst ? sets : std::min(found.Sets, sets);
     isFirst = false;
     // The limit by quantity counts combinations.
     if (Same(Info.MaxYhType, LimitKind::kQuantity) && found.Sets > Info.MaxYhValue) {
+      run.Note(Reason::LimitUsedUp).Has(Unit::Quantity, found.Sets).Needs(Info.MaxYhValue);
       found.Sets = TruncToInt32(Info.MaxYhValue);
     }
     found.SetValue += article.UnitValue * row.SaleCount;
   }
   return found;
+}
+
+void ProCombFixed::RefuseShort(const RuleRun& run, const CombFixedRow& row, const LinePtrs& candidates, double open) {
+  if (run.Told() == nullptr) return;
+  LinePtrs holding;
+  std::copy_if(candidates.begin(), candidates.end(), std::back_inserter(holding),
+               [&](const SalePlu* line) { return Same(line->PluCode, row.PluCode); });
+  Telling telling = run.Refuse(Reason::ArticleShort);
+  telling.On(holding).Goods(row.PluCode).Row(row.SerialNo).Has(Unit::Quantity, open).Needs(row.SaleCount);
+  run.TellTakersOf(holding, telling);
 }
 
 /// Appends the lines that hold the article and have pieces open, and clears their `DisNum`. Where several lines hold
@@ -164,7 +184,10 @@ void ProCombFixed::DiscountFixedRow(RuleRun& run, const CombFixedRow& row, SaleP
     if (!(quantity > 0)) return;
   }
   const bool perArticle = Same(row.PriceType, FixedPrice::kPerArticle);
-  if (!perArticle && !Same(row.PriceType, FixedPrice::kPerCombination)) return;
+  if (!perArticle && !Same(row.PriceType, FixedPrice::kPerCombination)) {
+    run.Note(Reason::UnknownPriceKind).On(line).Has(Unit::Kind, row.PriceType).Needs(FixedPrice::kAll);
+    return;
+  }
   if (perArticle) {
     SellAtUnitPrice(run, row, line, quantity);
   } else {
@@ -179,7 +202,10 @@ bool ProCombFixed::IsPricedAsWhole() const { return Same(m_rows.front().PriceTyp
 bool ProCombFixed::SpreadPrice(RuleRun& run, const FixedSets& found) const {
   const double value = found.SetValue * found.Sets;
   const double discount = value - found.Sets * m_rows.front().DscPrice;
-  if (!(discount > 0)) return false;
+  if (!(discount > 0)) {
+    run.Refuse(Reason::NoGain).On(found.Lines).Has(Unit::Price, value).Needs(value - discount);
+    return false;
+  }
   SpreadFixedDiscount(run, found.Lines, discount, value);
   return true;
 }

@@ -63,6 +63,7 @@ class ProCombFixed : public ProBase {
   };
 
   std::optional<FixedSets> GetFixedSets(const RuleRun& run, const LinePtrs& candidates) const;
+  static void RefuseShort(const RuleRun& run, const CombFixedRow& row, const LinePtrs& candidates, double open);
   static Article TakeArticle(const RuleRun& run, Text pluCode, const LinePtrs& candidates, LinePtrs& matched);
 
   void TakePieces(RuleRun& run, const FixedSets& found) const;

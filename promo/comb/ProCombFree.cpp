@@ -38,10 +38,17 @@ namespace TierPrice {
 constexpr Text kSetPrice = "DP";    ///< one set costs this
 constexpr Text kPercentOff = "TC";  ///< so many percent off
 constexpr Text kSetDiscount = "2";  ///< one set costs this much less
+constexpr Text kAll = "DP, TC, 2";
 }  // namespace TierPrice
 
 /// Fewer pieces than this are none.
 constexpr double kNoPieces = 0.001;
+
+/// Whether a row brings the line into the pool: by its goods or its category.
+bool JoinsThrough(const CombFreePluRow& row, const SalePlu& line) {
+  if (NamesGoods(row)) return Same(row.PluCode, line.PluCode);
+  return Same(row.PluType, "CAT") && Same(row.PluCode, line.CAT);
+}
 
 }  // namespace
 
@@ -51,9 +58,9 @@ void ProCombFree::CalcRule(RuleRun& run) {
   Log(LogText::kFreeStarts, Info.BillNo);
   if (!run.MeetsConditions()) return;
   // Rows that can't be read are missing; the rule goes on with those that were.
-  LoadRuleDetail(run.Sale());
+  LoadRuleDetail(run);
   Log(LogText::kFreeRowsRead);
-  const LinePtrs single = SelectSingleLines(run.Lines());
+  const LinePtrs single = SelectSingleLines(run);
   if (single.empty()) return;
   const CombPool pool = GetSaleAccordCombFree(run, single);
   if (pool.Lines.empty()) return;
@@ -65,18 +72,25 @@ void ProCombFree::CalcRule(RuleRun& run) {
 // --- Rows -----------------------------------------------------------------------------------------------------------
 
 /// Reads the rows that name goods, category or brand of one of the lines, each once, and the tiers.
-void ProCombFree::LoadRuleDetail(ProSale& sale) {
+void ProCombFree::LoadRuleDetail(const RuleRun& run) {
   m_pluRows.clear();
   m_tiers.clear();
   QString error;
   DetailTables tables(m_db, Info.BillNo, error);
-  if (!tables.Open()) return;
+  if (!tables.Open()) {
+    run.RefuseUnreadable(error);
+    return;
+  }
   const bool read =
-      tables.ReadOfLines(sale, tables.Select("select SerialNo,PluCode,PluType  from tProPrjCombPluSet where BillNo="),
+      tables.ReadOfLines(run.Sale(),
+                         tables.Select("select SerialNo,PluCode,PluType  from tProPrjCombPluSet where BillNo="),
                          kPluColumns, m_pluRows, SameSerialNo()) &&
       tables.Read(tables.Select("select SerialNo,SaleCount,PriceType,PriceTotal from tProPrjCombProAct where BillNo="),
                   kTierColumns, m_tiers);
-  if (!read) Log(error);
+  if (!read) {
+    Log(error);
+    run.RefuseUnreadable(error);
+  }
   for (CombFreeActRow& tier : m_tiers) {
     if (Same(tier.PriceType, TierPrice::kPercentOff)) tier.PriceTotal = PercentKept(tier.PriceTotal);
   }
@@ -101,9 +115,10 @@ void ProCombFree::AddToPool(const RuleRun& run, CombPool& pool, SalePlu& line) c
     const bool byGoods = NamesGoods(row);
     if (!byGoods && !Same(row.PluType, "CAT")) continue;
     Log(LogText::kFreeRowType, row.PluType);
-    if (!Same(row.PluCode, byGoods ? line.PluCode : line.CAT)) continue;
+    if (!JoinsThrough(row, line)) continue;
     const double open = run.OpenCount(line);
     if (PrintsAsZero(open)) {
+      run.NoteNothingOpen(line);
       // A line with nothing open is dropped by a goods row; a category row leaves it to the next row.
       if (byGoods) return;
       continue;
@@ -116,6 +131,14 @@ void ProCombFree::AddToPool(const RuleRun& run, CombPool& pool, SalePlu& line) c
     pool.Lines.push_back(&line);
     return;
   }
+  NoteUnnamed(run, line);
+}
+
+void ProCombFree::NoteUnnamed(const RuleRun& run, const SalePlu& line) const {
+  if (run.Told() == nullptr) return;
+  const bool isNamed = std::any_of(m_pluRows.begin(), m_pluRows.end(),
+                                   [&](const CombFreePluRow& row) { return JoinsThrough(row, line); });
+  if (!isNamed) run.Note(Reason::NotNamed).On(line);
 }
 
 // --- Tiers ----------------------------------------------------------------------------------------------------------
@@ -123,21 +146,27 @@ void ProCombFree::AddToPool(const RuleRun& run, CombPool& pool, SalePlu& line) c
 /// @return whether any set was formed.
 bool ProCombFree::DiscountByTiers(RuleRun& run, const CombPool& pool) {
   SortAscending(m_tiers, [](const CombFreeActRow& tier) { return tier.SaleCount; });
+  if (m_tiers.empty()) run.Refuse(Reason::NoTiers);
   double available = pool.Quantity;
   bool anySet = false;
   for (const CombFreeActRow& row : LastToFirst(m_tiers)) {
     const double allowed = PiecesAllowed(run);
     if (allowed < kNoPieces) {
+      run.Note(Reason::LimitUsedUp).Has(Unit::Quantity, Info.MaxYhValue - allowed).Needs(Info.MaxYhValue);
       available = 0;
       continue;
     }
     available = std::min(available, allowed);
     if (!IsSetSize(row.SaleCount)) {
       LogUnusableSaleCount(Info.BillNo, row.SerialNo);
+      run.Note(Reason::UnusableRow).Row(row.SerialNo).Has(Unit::Count, row.SaleCount).Needs(1);
       continue;
     }
     const std::int32_t sets = WholeSets(available, row.SaleCount);
-    if (sets <= 0) continue;
+    if (sets <= 0) {
+      NoteBelowSet(run, row, pool, available);
+      continue;
+    }
     anySet = true;
     TierRun tier(row, sets);
     for (SalePlu* line : pool.Lines) DiscountSale(run, tier, *line);
@@ -145,6 +174,19 @@ bool ProCombFree::DiscountByTiers(RuleRun& run, const CombPool& pool) {
     available -= tier.Target;
   }
   return anySet;
+}
+
+/// Tiers go from the smallest to the largest, and are told by their place from the largest.
+void ProCombFree::NoteBelowSet(const RuleRun& run, const CombFreeActRow& tier, const CombPool& pool,
+                               double available) const {
+  if (run.Told() == nullptr) return;
+  Telling telling = run.Note(Reason::BelowSetSize);
+  telling.On(pool.Lines)
+      .Row(tier.SerialNo)
+      .Tier(&m_tiers.back() - &tier)
+      .Has(Unit::Quantity, available)
+      .Needs(tier.SaleCount);
+  run.TellTakersOf(pool.Lines, telling);
 }
 
 /// The pieces that the rule's limit by quantity still allows; infinite without such a limit.
@@ -169,8 +211,9 @@ void ProCombFree::DiscountSale(RuleRun& run, TierRun& tier, SalePlu& line) {
     part.Quantity = left;
     part.IsLast = true;
   }
-  const Award award = AwardOfTier(tier, line, part);
+  const Award award = AwardOfTier(run, tier, line, part);
   if (award.NewPrice >= part.Unit) {
+    run.Note(Reason::NoGain).On(line).Row(tier.Tier.SerialNo).Has(Unit::Price, part.Unit).Needs(award.NewPrice);
     if (!part.IsLast) tier.Sum.TakeBack(part.Quantity);
     return;
   }
@@ -179,7 +222,7 @@ void ProCombFree::DiscountSale(RuleRun& run, TierRun& tier, SalePlu& line) {
   run.GiveOrMerge(line, award);
 }
 
-Award ProCombFree::AwardOfTier(TierRun& tier, const SalePlu& line, const LinePart& part) {
+Award ProCombFree::AwardOfTier(const RuleRun& run, TierRun& tier, const SalePlu& line, const LinePart& part) {
   Award award;
   award.Quantity = part.Quantity;
   if (Same(tier.Tier.PriceType, TierPrice::kSetPrice)) {
@@ -193,7 +236,14 @@ Award ProCombFree::AwardOfTier(TierRun& tier, const SalePlu& line, const LinePar
     const double kept = tier.Tier.PriceTotal;
     award.Money = RoundMoney(Quotient(part.Value * part.Quantity, line.PluCount) * (100 - kept) / 100);
     award.NewPrice = part.Unit * kept / 100;
+  } else {
+    run.Note(Reason::UnknownPriceKind)
+        .On(line)
+        .Row(tier.Tier.SerialNo)
+        .Has(Unit::Kind, tier.Tier.PriceType)
+        .Needs(TierPrice::kAll);
   }
+  if (award.Money == 0) run.Note(Reason::GivesNothing).On(line).Row(tier.Tier.SerialNo).Has(Unit::Money, 0.0);
   return award;
 }
 

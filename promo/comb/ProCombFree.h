@@ -55,15 +55,17 @@ class ProCombFree : public ProBase {
     bool IsLast = false;  ///< the sets end inside this line: it carries the rounding difference
   };
 
-  void LoadRuleDetail(ProSale& sale);
+  void LoadRuleDetail(const RuleRun& run);
 
   CombPool GetSaleAccordCombFree(const RuleRun& run, const LinePtrs& lines) const;
   void AddToPool(const RuleRun& run, CombPool& pool, SalePlu& line) const;
+  void NoteUnnamed(const RuleRun& run, const SalePlu& line) const;
 
   bool DiscountByTiers(RuleRun& run, const CombPool& pool);
+  void NoteBelowSet(const RuleRun& run, const CombFreeActRow& tier, const CombPool& pool, double available) const;
   double PiecesAllowed(const RuleRun& run) const;
   static void DiscountSale(RuleRun& run, TierRun& tier, SalePlu& line);
-  static Award AwardOfTier(TierRun& tier, const SalePlu& line, const LinePart& part);
+  static Award AwardOfTier(const RuleRun& run, TierRun& tier, const SalePlu& line, const LinePart& part);
 
   std::vector<CombFreePluRow> m_pluRows;
   std::vector<CombFreeActRow> m_tiers;

@@ -1,5 +1,6 @@
 #include "promo/direct/DirectDetail.h"
 
+#include <algorithm>
 #include <cstddef>
 
 #include "log/Log.h"
@@ -44,19 +45,21 @@ void DirectDetail::Clear() {
   m_actions.clear();
 }
 
-void DirectDetail::LoadRuleDetail(QnPosDBPro& db, Text billNo, ProSale& sale) {
+void DirectDetail::LoadRuleDetail(QnPosDBPro& db, const RuleRun& run) {
   Clear();
+  const Text billNo = run.Info().BillNo;
   QString error;
   DetailTables tables(db, billNo, error);
   const bool isOpen = tables.Open();
   std::vector<DirectRow> rows;
   DistinctRows<DirectRow, SameSerialNo> distinct(rows);
-  for (const LineCodes& codes : tables.GroupsOf(sale)) {
+  for (const LineCodes& codes : tables.GroupsOf(run.Sale())) {
     const bool readAtOnce = isOpen && tables.ReadAtOnce(codes, tables.Select(kRowsOfRule), kColumns, distinct);
     for (const SalePlu* line = codes.First; line != codes.End; ++line) {
       const bool read =
           readAtOnce || (tables.Open() && tables.ReadOfLine(*line, tables.Select(kRowsOfRule), kColumns, distinct));
       Log(read ? LogText::kDetailRead : LogText::kDetailNotRead, billNo);
+      if (!read) run.RefuseUnreadable(error);
     }
   }
   for (const DirectRow& row : rows) {
@@ -77,6 +80,19 @@ bool MatchClassRow(const ProDetailKey& row, const SalePlu& line) {
   if (Same(row.PluType, "CAT")) return Same(line.CAT, row.PluCode);
   if (Same(row.PluType, "BRD")) return Same(line.BRD, row.PluCode);
   return false;
+}
+
+bool LineMatchesRows(const RowPtrs& rows, const SalePlu& line, RowsBy by) {
+  return std::any_of(rows.rbegin(), rows.rend(), [&](const ProDetailKey* row) {
+    return by == RowsBy::Goods ? Same(row->PluCode, line.PluCode) : MatchClassRow(*row, line);
+  });
+}
+
+void NoteUnnamed(const RuleRun& run, const SplitRows& rows, const SalePlu& line) {
+  if (run.Told() == nullptr) return;
+  const bool isNamed =
+      LineMatchesRows(rows.PluIn, line, RowsBy::Goods) || LineMatchesRows(rows.ClassIn, line, RowsBy::Class);
+  if (!isNamed) run.Note(Reason::NotNamed).On(line);
 }
 
 }  // namespace Corvane

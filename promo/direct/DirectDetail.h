@@ -5,8 +5,9 @@
 #include <vector>
 
 #include "db/QnPosDBPro.h"
+#include "rule/LineSelection.h"
 #include "rule/RuleRows.h"
-#include "sale/ProSale.h"
+#include "rule/RuleRun.h"
 #include "sale/SaleRecords.h"
 
 namespace Corvane {
@@ -20,7 +21,7 @@ class DirectDetail {
   /// Empties the rows and reads those that name the goods, category or brand of one of the sale's lines. A row that several
   /// lines hit is kept once, by its `SerialNo`. A line for which the database doesn't answer has no rows; the log then
   /// names the rule, and the other lines go on.
-  void LoadRuleDetail(QnPosDBPro& db, Text billNo, ProSale& sale);
+  void LoadRuleDetail(QnPosDBPro& db, const RuleRun& run);
 
   const std::vector<PluCondition>& Conditions() const { return m_conditions; }
 
@@ -38,6 +39,12 @@ class DirectDetail {
 /// Whether a class row names the line: a "CAT" row by the line's category, a "BRD" row by its brand. No other class
 /// word is known to the ordinary rules.
 bool MatchClassRow(const ProDetailKey& row, const SalePlu& line);
+
+/// Whether any row names the line: by the goods code, or as a class by MatchClassRow.
+bool LineMatchesRows(const RowPtrs& rows, const SalePlu& line, RowsBy by);
+
+/// Notes a line that no including row names.
+void NoteUnnamed(const RuleRun& run, const SplitRows& rows, const SalePlu& line);
 
 }  // namespace Corvane
 

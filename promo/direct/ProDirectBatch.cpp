@@ -21,6 +21,13 @@ LinePtrs LinesWhere(const LinePtrs& lines, Predicate predicate) {
   return found;
 }
 
+void NoteBelowMinimum(const RuleRun& run, const PluCondition& condition, const LinePtrs& lines, double sum) {
+  if (run.Told() == nullptr || lines.empty()) return;
+  Telling telling = run.Note(Reason::BelowMinimum);
+  telling.On(lines).Row(condition.SerialNo).Has(Unit::Quantity, sum).Needs(condition.MinNum);
+  run.TellTakersOf(lines, telling);
+}
+
 }  // namespace
 
 void ProDirectBatch::InitRule(Text xml) { ReadRule(xml, *this); }
@@ -28,11 +35,13 @@ void ProDirectBatch::InitRule(Text xml) { ReadRule(xml, *this); }
 void ProDirectBatch::CalcRule(RuleRun& run) {
   Log(LogText::kBatchLimitKind, Info.MaxYhType);
   if (!run.MeetsConditions()) return;
-  m_detail.LoadRuleDetail(m_db, Info.BillNo, run.Sale());  // nothing changes the lines meanwhile
+  m_detail.LoadRuleDetail(m_db, run);  // nothing changes the lines meanwhile
   const SplitRows rows(m_detail.Conditions());
-  const LinePtrs single = SelectSingleLines(run.Lines());
+  const LinePtrs single = SelectSingleLines(run);
   if (single.empty()) return;
   const LinePtrs allowed = SelectOutsideLines(rows.PluNot, single, RowsBy::Goods);
+  NoteExcluded(run, single, allowed);
+  for (const SalePlu* line : allowed) NoteUnnamed(run, rows, *line);
   if (allowed.empty()) return;
   Discounts given;
   DiscountByGoods(run, rows.PluIn, allowed, given);
@@ -51,6 +60,7 @@ void ProDirectBatch::DiscountByGoods(RuleRun& run, const RowPtrs& rows, const Li
 void ProDirectBatch::DiscountByClass(RuleRun& run, const SplitRows& rows, const LinePtrs& pool,
                                      Discounts& given) const {
   const LinePtrs allowed = SelectOutsideLines(rows.ClassNot, pool, RowsBy::Class);
+  NoteExcluded(run, pool, allowed);
   if (allowed.empty()) return;
   for (const ProDetailKey* row : LastToFirst(rows.ClassIn)) {
     const auto inClass = [&](const SalePlu& line) { return MatchClassRow(*row, line); };
@@ -78,7 +88,10 @@ void ProDirectBatch::DiscountByRow(RuleRun& run, const ProDetailKey& row, const 
   LinePtrs waiting;
   for (SalePlu* line : lines) {
     const double open = run.OpenCount(*line);
-    if (open <= 0) continue;
+    if (open <= 0) {
+      run.NoteNothingOpen(*line);
+      continue;
+    }
     sum += counts == Counts::WholeLine ? line->PluCount : open;
     if (sum < condition.MinNum) {
       waiting.push_back(line);
@@ -87,7 +100,10 @@ void ProDirectBatch::DiscountByRow(RuleRun& run, const ProDetailKey& row, const 
     minimumReached = true;
     if (!discount(*line)) break;
   }
-  if (!minimumReached) return;
+  if (!minimumReached) {
+    NoteBelowMinimum(run, condition, lines, sum);
+    return;
+  }
   for (SalePlu* line : waiting) discount(*line);
 }
 

@@ -18,7 +18,7 @@ void ProDirectLimit::InitRule(Text xml) { ReadRule(xml, *this); }
 void ProDirectLimit::CalcRule(RuleRun& run) {
   m_detail.Clear();
   if (!run.MeetsConditions()) return;
-  m_detail.LoadRuleDetail(m_db, Info.BillNo, run.Sale());  // nothing changes the lines meanwhile
+  m_detail.LoadRuleDetail(m_db, run);  // nothing changes the lines meanwhile
   const SplitRows rows(m_detail.Conditions());
   EarlierCounts earlier(run.Lines());
   for (SalePlu& line : run.Lines()) DiscountLine(run, rows, earlier, line);
@@ -27,6 +27,7 @@ void ProDirectLimit::CalcRule(RuleRun& run) {
 }
 
 void ProDirectLimit::CalcRuleOnLine(RuleRun& run, SalePlu& line) const {
+  if (m_detail.Conditions().empty()) run.Refuse(Reason::NotPrepared).On(line);
   EarlierCounts earlier(run.Lines());
   DiscountLine(run, SplitRows(m_detail.Conditions()), earlier, line);
 }
@@ -36,10 +37,20 @@ void ProDirectLimit::DiscountLine(RuleRun& run, const SplitRows& rows, EarlierCo
   Log(LogText::kBeforeOpenQuantity);
   const double open = run.OpenCount(line);
   Log(LogText::kBehindOpenQuantity);
-  if (open <= 0) return;
-  if (LineMatchesRows(rows.PluNot, line, RowsBy::Goods)) return;
+  if (open <= 0) {
+    run.NoteNothingOpen(line);
+    return;
+  }
+  if (LineMatchesRows(rows.PluNot, line, RowsBy::Goods)) {
+    run.Note(Reason::Excluded).On(line);
+    return;
+  }
+  NoteUnnamed(run, rows, line);
   if (!DiscountByGoods(run, rows.PluIn, earlier, line)) return;
-  if (LineMatchesRows(rows.ClassNot, line, RowsBy::Class)) return;
+  if (LineMatchesRows(rows.ClassNot, line, RowsBy::Class)) {
+    run.Note(Reason::Excluded).On(line);
+    return;
+  }
   DiscountByClass(run, rows.ClassIn, line);
 }
 
@@ -49,9 +60,15 @@ bool ProDirectLimit::DiscountByGoods(RuleRun& run, const RowPtrs& rows, EarlierC
     if (!Same(row->PluCode, line.PluCode)) continue;
     // A set price never applies to a package; rates and reductions do. What a receipt would show decides.
     const bool isSetPrice = Same(m_detail.ActionOf(*row).DisType, PriceKind::kPrice);
-    if (isSetPrice && !PrintsAsOne(line.PackCnt)) continue;
+    if (isSetPrice && !PrintsAsOne(line.PackCnt)) {
+      run.Note(Reason::Package).On(line).Row(row->SerialNo).Has(Unit::Count, line.PackCnt).Needs(1);
+      continue;
+    }
     const double taken = earlier.Before(line);
-    if (taken < 0) return false;
+    if (taken < 0) {
+      run.Note(Reason::SenselessQuantity).On(line);
+      return false;
+    }
     DiscountByRow(run, *row, taken, line);
   }
   return true;
@@ -67,14 +84,11 @@ void ProDirectLimit::DiscountByClass(RuleRun& run, const RowPtrs& rows, SalePlu&
 
 void ProDirectLimit::DiscountByRow(RuleRun& run, const ProDetailKey& row, double earlier, SalePlu& line) const {
   Allowance allowance{m_detail.ConditionOf(row).LimitNum, earlier};
-  const bool usedUp = allowance.Limit > 0 && allowance.Limit <= earlier;
-  if (!usedUp) run.Discount(line, m_detail.ActionOf(row), allowance);
-}
-
-bool LineMatchesRows(const RowPtrs& rows, const SalePlu& line, RowsBy by) {
-  return std::any_of(rows.rbegin(), rows.rend(), [&](const ProDetailKey* row) {
-    return by == RowsBy::Goods ? Same(row->PluCode, line.PluCode) : MatchClassRow(*row, line);
-  });
+  if (allowance.Limit > 0 && allowance.Limit <= earlier) {
+    run.Note(Reason::RowLimitUsedUp).On(line).Row(row.SerialNo).Has(Unit::Quantity, earlier).Needs(allowance.Limit);
+    return;
+  }
+  run.Discount(line, m_detail.ActionOf(row), allowance);
 }
 
 double GetTypeCountOnLine(const SalePlu& line, Text type) {

@@ -59,9 +59,6 @@ class ProDirectLimit : public ProBase {
   QnPosDBPro m_db;
 };
 
-/// Whether any row names the line: by the goods code, or as a class by MatchClassRow.
-bool LineMatchesRows(const RowPtrs& rows, const SalePlu& line, RowsBy by);
-
 /// The quantity that rules of a type took on the line. @return -1 when it is negative or more than the line holds.
 double GetTypeCountOnLine(const SalePlu& line, Text type);
 

@@ -31,6 +31,7 @@ class ProDirectOs : public ProBase {
   };
 
   LinePtrs SelectRowLines(const RuleRun& run, const LinePtrs& lines) const;
+  void NoteOutside(const RuleRun& run, const SalePlu& line) const;
   void DiscountByRow(RuleRun& run, const PluCondition& condition, const LinePtrs& pool) const;
   bool ApplyOsDiscount(RuleRun& run, const PluCondition& condition, SalePlu& line, SetCount& count) const;
   double TakeSets(const RuleRun& run, const PluCondition& condition, double units, SetCount& count) const;

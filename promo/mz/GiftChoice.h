@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "base/Text.h"
+#include "rule/RuleOutcome.h"
 #include "sale/ProSale.h"
 
 namespace Corvane {
@@ -21,8 +22,9 @@ constexpr std::int32_t kNumberOverflow = -3;
 /// Whether the picks among a rule's offers fit what the sale brought.
 ///
 /// @param used in and out: what the picks have used up, summed over the offers of all rules.
+/// @param outcome is told what doesn't fit, or how many offers the rule has; null where nobody asks.
 /// @return one of GiftAnswer.
-std::int32_t CheckGiftChoice(const ProSale& sale, Text billNo, double& used);
+std::int32_t CheckGiftChoice(const ProSale& sale, Text billNo, double& used, RuleOutcome* outcome = nullptr);
 
 /// Writes onto a rule's offers what is left when `used` is used up by all rules together, and which of them can still
 /// be taken.

@@ -1,5 +1,6 @@
 #include "promo/mz/ProMzCoupon.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <utility>
 
@@ -37,6 +38,15 @@ std::optional<double> LargestFitting(const std::vector<CouponDenomination>& rows
   return largest;
 }
 
+/// Notes a value that no denomination fits.
+void NoteUncut(const RuleRun& run, const ProMzList& list, double rest) {
+  const auto smallest = std::min_element(list.Denominations.begin(), list.Denominations.end(),
+                                         [](const CouponDenomination& left, const CouponDenomination& right) {
+                                           return left.Denomination < right.Denomination;
+                                         });
+  run.Note(Reason::NoDenomination).Has(Unit::Money, rest).Needs(smallest->Denomination);
+}
+
 }  // namespace
 
 void ProMzCoupon::InitRule(Text xml) {
@@ -60,39 +70,48 @@ void ProMzCoupon::ReadList(const TiXmlElement& group) {
 void ProMzCoupon::CalcRule(RuleRun& run) {
   if (!run.MayActOnSale()) return;
   Log(LogText::kCouponOffers, NumberOf(m_lists));
-  if (m_lists.empty()) return;
+  if (m_lists.empty()) {
+    run.Refuse(Reason::NoRows);
+    return;
+  }
   for (ProMzList& list : m_lists) CalcList(run, list);
   run.LimitProportionally();
 }
 
 void ProMzCoupon::CalcList(RuleRun& run, ProMzList& list) const {
   Log(LogText::kCouponTiers, NumberOf(list.Tiers));
-  if (list.Tiers.empty()) return;
+  if (!list.HasTiers(run)) return;
   SortTiersDown(list.Tiers);
+  RuleLines chosen;
   double amount = 0;
   // The lines' money as it stands, not what is open of it.
-  if (Same(list.ConAreaType, ConditionArea::kWholeSale)) amount = run.Sale().SaleTotal();
-  if (Same(list.ConAreaType, ConditionArea::kChosenLines)) {
-    amount = SelectRuleLines(run, SplitRows(list.Conditions)).Money;
+  if (list.IsOfWholeSale()) amount = run.Sale().SaleTotal();
+  if (list.IsOfChosenLines()) {
+    chosen = SelectRuleLines(run, SplitRows(list.Conditions));
+    amount = chosen.Money;
     if (amount == 0) return;
   }
   Log(LogText::kCouponAmount, FormatF6(amount));
-  const double sum = SumOfTiers(list, amount);
+  const double sum = SumOfTiers(run, list, amount, list.IsOfWholeSale() ? nullptr : &chosen.Lines);
   if (sum <= 0) return;
-  const std::optional<double> value = GiveCoupons(run.Sale(), list, sum);
+  const std::optional<double> value = GiveCoupons(run, list, sum);
   if (value) run.RecordOnSale({0, *value}, Member::Untold);
 }
 
 /// The coupon value that an amount earns over the tiers of a list.
-double ProMzCoupon::SumOfTiers(const ProMzList& list, double amount) {
+double ProMzCoupon::SumOfTiers(const RuleRun& run, const ProMzList& list, double amount, const LinePtrs* lines) {
   double remainder = amount;
   double sum = 0;
   for (const PluAddAction& tier : list.Tiers) {
-    if (remainder < tier.BaseConNum) continue;
+    if (remainder < tier.BaseConNum) {
+      NoteBelow(run, list.Tiers, tier, Unit::Money, remainder, lines);
+      continue;
+    }
     sum += tier.BaseDscNum;
     Log(LogText::kCouponSum, FormatF6(sum));
     // Unlike in the reduction, a tier may always leave less than nothing.
     remainder = GiveFurtherSteps(tier, remainder, list.MaxDiscount, sum);
+    if (sum <= 0) run.Note(Reason::GivesNothing).Tier(&tier - list.Tiers.data()).Has(Unit::Money, 0.0);
   }
   return sum;
 }
@@ -101,31 +120,42 @@ double ProMzCoupon::SumOfTiers(const ProMzList& list, double amount) {
 /// the list cuts; one coupon otherwise. What can't be cut is not given.
 ///
 /// @return the value given; nothing when it would take too many coupons.
-std::optional<double> ProMzCoupon::GiveCoupons(ProSale& sale, const ProMzList& list, double amount) const {
+std::optional<double> ProMzCoupon::GiveCoupons(const RuleRun& run, const ProMzList& list, double amount) const {
+  ProSale& sale = run.Sale();
   constexpr Text kNeverGives = "*";
-  if (Same(Info.BillNo, kNeverGives)) return 0;
+  if (Same(Info.BillNo, kNeverGives)) {
+    run.Note(Reason::NeverGives);
+    return 0;
+  }
   const bool isCut = list.Coupon.IsDenom && !list.Denominations.empty();
   if (!isCut) {
     sale.GivenCoupons.push_back(MakeCoupon(sale, list.Coupon, amount));
+    if (run.Told() != nullptr) ++run.Told()->Coupons;
     return amount;
   }
   double rest = amount;
   std::vector<SaleCoupon> made;
   while (rest > 0) {
     const std::optional<double> value = LargestFitting(list.Denominations, rest);
-    if (!value) break;
+    if (!value) {
+      NoteUncut(run, list, rest);
+      break;
+    }
     if (*value <= 0) {
       Log(LogText::kDenominationNotPositive, Info.BillNo);
+      run.Note(Reason::UnusableDenomination).Has(Unit::Money, *value);
       break;
     }
     if (made.size() == kMaxCoupons) {
       LogTooManyRepeats(Info.BillNo);
+      run.Note(Reason::TooManyRepeats);
       return std::nullopt;
     }
     made.push_back(MakeCoupon(sale, list.Coupon, *value));
     rest -= *value;
   }
   sale.GivenCoupons.insert(sale.GivenCoupons.end(), made.begin(), made.end());
+  if (run.Told() != nullptr) run.Told()->Coupons += static_cast<std::int32_t>(made.size());
   return amount - rest;
 }
 

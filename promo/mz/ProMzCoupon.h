@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "promo/mz/ProMzList.h"
+#include "rule/LinePtrs.h"
 #include "rule/ProBase.h"
 #include "rule/RuleRun.h"
 
@@ -33,8 +34,8 @@ class ProMzCoupon : public ProBase {
  private:
   void ReadList(const TiXmlElement& group);
   void CalcList(RuleRun& run, ProMzList& list) const;
-  static double SumOfTiers(const ProMzList& list, double amount);
-  std::optional<double> GiveCoupons(ProSale& sale, const ProMzList& list, double amount) const;
+  static double SumOfTiers(const RuleRun& run, const ProMzList& list, double amount, const LinePtrs* lines);
+  std::optional<double> GiveCoupons(const RuleRun& run, const ProMzList& list, double amount) const;
   SaleCoupon MakeCoupon(ProSale& sale, const CouponType& header, double value) const;
 };
 

@@ -35,8 +35,10 @@ void ProMzFree::CalcRule(RuleRun& run) {
   // Nothing changes the lines while rows are read, so the loader takes no copy of them.
   if (!LoadRuleDetail(run.Sale(), error)) {
     Log(QString::fromUtf8(LogText::kGoodsFreeFailed) + error);
+    run.RefuseUnreadable(error);
     return;
   }
+  if (m_tiers.empty()) run.Refuse(Reason::NoTiers);
   SortTiersDown(m_tiers);
   Work work;
   work.Area = SelectConditionLines(run, m_conditions);
@@ -52,8 +54,12 @@ void ProMzFree::CalcRule(RuleRun& run) {
 
 void ProMzFree::CalcTier(RuleRun& run, const PluAddAction& tier, Work& work) const {
   GiftGoods goods = FindGiftGoods(run, tier);
-  if (goods.Money <= 0 || goods.Count <= 0) return;
+  if (goods.Money <= 0 || goods.Count <= 0) {
+    NoteMissing(run, tier, goods);
+    return;
+  }
   const TierUnit unit = UnitOf(tier.BaseConTp);
+  if (unit == TierUnit::Unknown) NoteUnknownUnit(run, m_tiers, tier);
   if (!work.HasCondition && unit != TierUnit::Unknown) {
     // A later tier of the other unit works against the value in this unit.
     work.HasCondition = true;
@@ -83,13 +89,35 @@ ProMzFree::GiftGoods ProMzFree::FindGiftGoods(const RuleRun& run, const PluAddAc
   return goods;
 }
 
+/// Notes that the goods which a tier gives are not there, or taken.
+void ProMzFree::NoteMissing(const RuleRun& run, const PluAddAction& tier, const GiftGoods& goods) const {
+  if (run.Told() == nullptr) return;
+  Telling telling = run.Note(Reason::GoodsMissing);
+  telling.On(goods.Lines)
+      .Goods(tier.PluCode)
+      .Row(tier.SerialNo)
+      .Tier(&tier - m_tiers.data())
+      .Has(Unit::Quantity, goods.Count);
+  run.TellTakersOf(goods.Lines, telling);
+}
+
 /// Gives a tier's gift out of goods counted in the unit of its threshold, and writes it onto their lines.
 ///
 /// @return false when the tier is not reached or has no goods left; nothing has changed then.
-bool ProMzFree::FreeFromTier(RuleRun& run, const PluAddAction& tier, GiftGoods& goods, Work& work) {
-  if (tier.BaseConNum > work.Condition || goods.Value == 0) return false;
+bool ProMzFree::FreeFromTier(RuleRun& run, const PluAddAction& tier, GiftGoods& goods, Work& work) const {
+  if (tier.BaseConNum > work.Condition) {
+    NoteBelow(run, m_tiers, tier, ToldUnit(tier), work.Condition, &work.Area.Lines);
+    return false;
+  }
+  if (goods.Value == 0) {
+    NoteMissing(run, tier, goods);
+    return false;
+  }
   const std::optional<TierGift> gift = GiftAtThreshold(tier, goods.Value, goods.Price);
-  if (!gift) return true;
+  if (!gift) {
+    NoteUnknownUnit(run, m_tiers, tier);
+    return true;
+  }
 
   const double limit = goods.Value > gift->Limit ? gift->Limit : goods.Value;
   goods.Value -= gift->Amount;
@@ -103,6 +131,7 @@ bool ProMzFree::FreeFromTier(RuleRun& run, const PluAddAction& tier, GiftGoods& 
   // Further steps counted in money raise the money given and not the quantity.
   const double quantity = countsQuantity ? amount : gift->Quantity;
   work.Given += money;
+  if (!(money > 0)) run.Note(Reason::GivesNothing).Tier(&tier - m_tiers.data()).Has(Unit::Money, 0.0);
   WriteGift(run, goods.Lines, quantity, money);
   return true;
 }

@@ -48,7 +48,8 @@ class ProMzFree : public ProBase {
   bool LoadRuleDetail(ProSale& sale, QString& error);
   void CalcTier(RuleRun& run, const PluAddAction& tier, Work& work) const;
   static GiftGoods FindGiftGoods(const RuleRun& run, const PluAddAction& tier);
-  static bool FreeFromTier(RuleRun& run, const PluAddAction& tier, GiftGoods& goods, Work& work);
+  void NoteMissing(const RuleRun& run, const PluAddAction& tier, const GiftGoods& goods) const;
+  bool FreeFromTier(RuleRun& run, const PluAddAction& tier, GiftGoods& goods, Work& work) const;
   static void WriteGift(RuleRun& run, const LinePtrs& lines, double quantity, double money);
   static void UseAreaByMoney(const RuleRun& run, Work& work);
   static void UseAreaByQuantity(const RuleRun& run, Work& work);

@@ -31,15 +31,17 @@ void ProMzGift::CalcRule(RuleRun& run) {
   // Nothing changes the lines while rows are read, so the loader takes no copy of them.
   if (!LoadRuleDetail(run.Sale(), error)) {
     Log(QString::fromUtf8(LogText::kGiftFailed) + error);
+    run.RefuseUnreadable(error);
     return;
   }
+  if (m_tiers.empty()) run.Refuse(Reason::NoTiers);
   Log(LogText::kGiftRowsRead);
   SortTiersDown(m_tiers);
-  OfferTiers(SelectConditionLines(run, m_conditions), run.Sale());
+  OfferTiers(run, SelectConditionLines(run, m_conditions));
   run.LimitProportionally();
 }
 
-void ProMzGift::OfferTiers(const RuleLines& area, ProSale& sale) const {
+void ProMzGift::OfferTiers(const RuleRun& run, const RuleLines& area) const {
   // The value lives across the walk: a tier that counts in an unknown unit goes by the value of the tier before it.
   double value = 0;
   std::vector<Text> offeredUnits;
@@ -49,8 +51,13 @@ void ProMzGift::OfferTiers(const RuleLines& area, ProSale& sale) const {
     if (isOffered) continue;
     if (UnitOf(tier.BaseConTp) == TierUnit::Money) value = area.Money;
     if (UnitOf(tier.BaseConTp) == TierUnit::Quantity) value = area.Quantity;
-    if (value < tier.BaseConNum) continue;
-    sale.ProGifts.push_back(OffersFrom(tier, value));
+    if (UnitOf(tier.BaseConTp) == TierUnit::Unknown) NoteUnknownUnit(run, m_tiers, tier);
+    if (value < tier.BaseConNum) {
+      NoteBelow(run, m_tiers, tier, ToldUnit(tier), value, &area.Lines);
+      continue;
+    }
+    run.Sale().ProGifts.push_back(OffersFrom(tier, value));
+    if (run.Told() != nullptr) ++run.Told()->Offers;
     offeredUnits.push_back(tier.BaseConTp);
   }
 }

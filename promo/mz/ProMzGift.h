@@ -28,7 +28,7 @@ class ProMzGift : public ProBase {
 
  private:
   bool LoadRuleDetail(ProSale& sale, QString& error);
-  void OfferTiers(const RuleLines& area, ProSale& sale) const;
+  void OfferTiers(const RuleRun& run, const RuleLines& area) const;
   SaleProGift OffersFrom(const PluAddAction& tier, double value) const;
 
   std::vector<PluCondition> m_conditions;  ///< read anew for each sale

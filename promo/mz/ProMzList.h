@@ -5,6 +5,7 @@
 
 #include "base/Text.h"
 #include "rule/RuleRows.h"
+#include "rule/RuleRun.h"
 #include "rule/Spreading.h"
 #include "sale/SaleRecords.h"
 
@@ -14,6 +15,7 @@ namespace Corvane {
 namespace ConditionArea {
 constexpr Text kWholeSale = "ALL";
 constexpr Text kChosenLines = "DES";
+constexpr Text kAll = "ALL, DES";
 }  // namespace ConditionArea
 
 /// One list of a full-amount rule, independent of the rule's other lists: its area, its tiers and its own limit.
@@ -27,6 +29,19 @@ struct ProMzList {
   std::vector<PluAddAction> Tiers;
   CouponType Coupon;                              ///< the kind of coupon given
   std::vector<CouponDenomination> Denominations;  ///< face values into which a coupon sum is cut
+
+  bool IsOfWholeSale() const { return Same(ConAreaType, ConditionArea::kWholeSale); }
+  bool IsOfChosenLines() const { return Same(ConAreaType, ConditionArea::kChosenLines); }
+
+  /// Tells why a list without tiers, or in an area of no known name, gives nothing.
+  /// @return whether it has tiers.
+  bool HasTiers(const RuleRun& run) const {
+    if (Tiers.empty()) run.Note(Reason::NoTiers);
+    if (!IsOfWholeSale() && !IsOfChosenLines()) {
+      run.Note(Reason::UnknownArea).Has(Unit::Area, ConAreaType).Needs(ConditionArea::kAll);
+    }
+    return !Tiers.empty();
+  }
 
   FinalPrice Price() const { return Same(DscIntoPlu, "1") ? FinalPrice::Follows : FinalPrice::Stays; }
 };

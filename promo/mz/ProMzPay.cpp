@@ -1,6 +1,7 @@
 #include "promo/mz/ProMzPay.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "base/Numbers.h"
 #include "base/Walk.h"
@@ -47,9 +48,22 @@ void ReadCardRanges(const TiXmlElement& group, Text billNo, std::vector<CardNoFi
 }
 
 double OpenMoney(const RuleRun& run) {
-  double open = 0;
-  for (const SalePlu& line : run.Lines()) open += run.OpenMoney(line);
-  return open;
+  double sum = 0;
+  for (const SalePlu& line : run.Lines()) {
+    const double open = run.OpenMoney(line);
+    sum += open;
+    if (!(open > 0)) run.NoteNoMoneyOpen(line);
+  }
+  return sum;
+}
+
+void NoteNotPaid(const RuleRun& run, const PluAction& step, std::ptrdiff_t place, double left) {
+  run.Note(Reason::BelowThreshold)
+      .On(run.Lines())
+      .Row(step.SerialNo)
+      .Tier(place)
+      .Has(Unit::Payment, left)
+      .Needs(step.DisPrice);
 }
 
 }  // namespace
@@ -74,16 +88,22 @@ void ProMzPay::CalcRule(RuleRun& run) {
     Log(LogText::kPayConditionsNotMet);
     return;
   }
-  const std::optional<PayLines> goods = SelectPayLines(m_conditions, run.Lines());
+  const std::optional<PayLines> goods = SelectPayLines(m_conditions, run.Lines(), run.Told());
   if (!goods) return;
-  if (m_control.WholeBillPay && run.Sale().Pays.size() > 1) return;
+  if (m_control.WholeBillPay && run.Sale().Pays.size() > 1) {
+    run.Refuse(Reason::SeveralPayments).Has(Unit::Count, static_cast<double>(run.Sale().Pays.size())).Needs(1);
+    return;
+  }
 
   std::stable_sort(m_steps.begin(), m_steps.end(), [](const PluAction& left, const PluAction& right) {
     return SortsBefore(left.DisPrice, right.DisPrice);
   });
   // A payment above what can still be discounted counts only as far as that.
-  const Reduction reduction = WalkSteps(std::min(PaySum(run.Sale()), OpenMoney(run)), goods->Money);
-  if (reduction.Given == 0) return;
+  const Reduction reduction = WalkSteps(run, std::min(PaySum(run), OpenMoney(run)), goods->Money);
+  if (reduction.Given == 0) {
+    if (reduction.Used != 0) run.Note(Reason::GivesNothing).Has(Unit::Money, 0.0);
+    return;
+  }
   const double wholePay = reduction.Left + reduction.Used;
   run.RecordOnSale({wholePay - reduction.Given, reduction.Given, wholePay, reduction.Used}, Member::Told);
   SpreadPayReduction(run, reduction.Given, reduction.Used);
@@ -91,32 +111,57 @@ void ProMzPay::CalcRule(RuleRun& run) {
   if (run.Sale().SaleResults.front().YhMoney > 0) ApportionRecords(run, goods->Lines, reduction.Given);
 }
 
-double ProMzPay::PaySum(const ProSale& sale) const {
+double ProMzPay::PaySum(const RuleRun& run) const {
   double sum = 0;
-  for (const SalePay& pay : LastToFirst(sale.Pays)) {
-    if (Same(pay.PayMode, m_control.PayType) && InCardRange(m_cardRanges, pay.PayCardNo)) sum += pay.PayMoney;
+  bool isPaid = false;
+  for (const SalePay& pay : LastToFirst(run.Sale().Pays)) {
+    if (!Same(pay.PayMode, m_control.PayType) || !InCardRange(m_cardRanges, pay.PayCardNo)) continue;
+    sum += pay.PayMoney;
+    isPaid = true;
   }
+  if (!isPaid && run.Told() != nullptr) TellNotPaid(run);
   return sum;
+}
+
+/// A payment that fits but for its card is nearer than none.
+void ProMzPay::TellNotPaid(const RuleRun& run) const {
+  for (const SalePay& pay : run.Sale().Pays) {
+    if (!Same(pay.PayMode, m_control.PayType)) continue;
+    run.Refuse(Reason::CardOutside)
+        .Has(Unit::Card, pay.PayCardNo)
+        .NeedsEach(m_cardRanges,
+                   [](const CardNoFilter& range) { return Join(range.BgnCardNo, "..", range.EndCardNo); });
+  }
+  run.Refuse(Reason::PaymentMissing)
+      .HasEach(Unit::Payment, run.Sale().Pays, [](const SalePay& pay) { return OrEmpty(pay.PayMode); })
+      .Needs(m_control.PayType);
 }
 
 /// Walks from the highest step down; each is taken as often as the payment allows, up to the rule's limit or the money
 /// of the goods.
-ProMzPay::Reduction ProMzPay::WalkSteps(double paySum, double goodsMoney) const {
+ProMzPay::Reduction ProMzPay::WalkSteps(const RuleRun& run, double paySum, double goodsMoney) const {
+  if (m_steps.empty()) run.Refuse(Reason::NoRows);
   const double limit = std::min(m_control.PriceTotal, goodsMoney);
   Reduction taken{0, 0, paySum};
   for (const PluAction& step : LastToFirst(m_steps)) {
     const double gain = step.DisPrice - step.DisRate;
+    if (step.DisPrice > taken.Left) NoteNotPaid(run, step, &m_steps.back() - &step, taken.Left);
     while (!(step.DisPrice > taken.Left)) {
       const Reduction next = TakeStep(taken, step.DisPrice, gain, limit);
-      if (next.Given >= limit) return {limit, next.Used, next.Left};
+      if (next.Given >= limit) {
+        run.Note(Reason::LimitedByMoney).Has(Unit::Money, next.Given).Needs(limit);
+        return {limit, next.Used, next.Left};
+      }
       // A step that takes no payment and brings no gain would stand next for ever.
       if (!(step.DisPrice > 0) && !(gain > 0)) {
         Log(LogText::kPayStepWithoutGain, Info.BillNo);
+        run.Note(Reason::StepWithoutGain).Has(Unit::Money, step.DisPrice);
         return taken;
       }
       // And so would one that is lost in the digits of what was paid and given.
       if (next.Given == taken.Given && next.Left == taken.Left) {
         LogTooManyRepeats(Info.BillNo);
+        run.Refuse(Reason::TooManyRepeats);
         return {};
       }
       taken = next;
@@ -138,7 +183,8 @@ ProMzPay::Reduction ProMzPay::TakeStep(const Reduction& taken, double price, dou
   return {given.Value(), used.Value(), left.Value()};
 }
 
-std::optional<PayLines> SelectPayLines(const std::vector<PluCondition>& conditions, std::vector<SalePlu>& lines) {
+std::optional<PayLines> SelectPayLines(const std::vector<PluCondition>& conditions, std::vector<SalePlu>& lines,
+                                       RuleOutcome* outcome) {
   PayLines selected;
   if (conditions.empty()) {
     selected.Lines = PointersTo(lines);
@@ -155,8 +201,14 @@ std::optional<PayLines> SelectPayLines(const std::vector<PluCondition>& conditio
       selected.Money += line.Total;
       selected.Lines.push_back(&line);
     }
-    if (condition.MinNum > 0 && condition.MinNum > quantity) return std::nullopt;
-    if (condition.MinMoney > 0 && condition.MinMoney > amount) return std::nullopt;
+    const bool isShortOfPieces = condition.MinNum > 0 && condition.MinNum > quantity;
+    if (!isShortOfPieces && !(condition.MinMoney > 0 && condition.MinMoney > amount)) continue;
+    Refuse(outcome, Reason::ConditionShort)
+        .Goods(NamesGoods(condition) ? condition.PluCode : nullptr)
+        .Row(condition.SerialNo)
+        .Has(isShortOfPieces ? Unit::Quantity : Unit::Money, isShortOfPieces ? quantity : amount)
+        .Needs(isShortOfPieces ? condition.MinNum : condition.MinMoney);
+    return std::nullopt;
   }
   return selected;
 }

@@ -54,8 +54,9 @@ class ProMzPay : public ProBase {
   };
 
   void ReadOwnGroup(const TiXmlElement& group);
-  double PaySum(const ProSale& sale) const;
-  Reduction WalkSteps(double paySum, double goodsMoney) const;
+  double PaySum(const RuleRun& run) const;
+  void TellNotPaid(const RuleRun& run) const;
+  Reduction WalkSteps(const RuleRun& run, double paySum, double goodsMoney) const;
   static Reduction TakeStep(const Reduction& taken, double price, double gain, double limit);
 
   std::vector<PluCondition> m_conditions;  ///< goods that must be bought
@@ -67,7 +68,10 @@ class ProMzPay : public ProBase {
 
 /// The lines that all rows together ask for; without rows all lines. `Contain` of the rows means nothing here.
 /// @return nothing when the goods of a row don't come to its `MinNum` or `MinMoney`.
-std::optional<PayLines> SelectPayLines(const std::vector<PluCondition>& conditions, std::vector<SalePlu>& lines);
+///
+/// @param outcome is told of which; null where nobody asks.
+std::optional<PayLines> SelectPayLines(const std::vector<PluCondition>& conditions, std::vector<SalePlu>& lines,
+                                       RuleOutcome* outcome = nullptr);
 
 /// Whether a card number lies in one of the ranges; without ranges it does. Numbers compare as texts, byte by byte.
 bool InCardRange(const std::vector<CardNoFilter>& ranges, Text cardNo);

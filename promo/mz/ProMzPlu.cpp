@@ -48,15 +48,21 @@ double ValueFor(const PluAddAction& tier, const RuleLines& chosen) {
 
 /// The chosen goods of a tier on their way through it and the lower tiers of the same goods.
 struct Giving {
-  double Price = 0;  ///< mean unit price of the goods
-  double Value = 0;  ///< what is left of them, in the unit of the threshold
-  double Given = 0;  ///< money given
+  const LinePtrs& Lines;  ///< that hold the goods
+  double Price = 0;       ///< mean unit price of the goods
+  double Value = 0;       ///< what is left of them, in the unit of the threshold
+  double Given = 0;       ///< money given
 };
 
 /// Gives a tier's gift. @return false when the tier is not reached; nothing has changed then.
-bool GiveFromTier(const PluAddAction& tier, Giving& giving) {
-  if (tier.BaseConNum > giving.Value) return false;
+bool GiveFromTier(const RuleRun& run, const std::vector<PluAddAction>& tiers, const PluAddAction& tier,
+                  Giving& giving) {
   const TierUnit unit = UnitOf(tier.BaseConTp);
+  if (unit == TierUnit::Unknown) NoteUnknownUnit(run, tiers, tier);
+  if (tier.BaseConNum > giving.Value) {
+    NoteBelow(run, tiers, tier, ToldUnit(tier), giving.Value, &giving.Lines);
+    return false;
+  }
   if (unit == TierUnit::Unknown) return true;
   // The threshold itself is paid for: the gift comes out of what lies above it.
   const double rest = giving.Value - tier.BaseConNum;
@@ -66,6 +72,15 @@ bool GiveFromTier(const PluAddAction& tier, Giving& giving) {
     amount = gift->Amount;
     GiveRepeated(CountSteps(tier, left), StepSizeOf(tier), gift->StepGift, gift->Limit, left, amount);
     giving.Value = left;
+  } else {
+    NoteUnknownUnit(run, tiers, tier);
+  }
+  if (amount == 0) {
+    run.Note(Reason::NothingAboveThreshold)
+        .On(giving.Lines)
+        .Row(tier.SerialNo)
+        .Tier(&tier - tiers.data())
+        .Has(ToldUnit(tier), rest);
   }
   giving.Given += unit == TierUnit::Quantity ? amount * giving.Price : amount;
   return true;
@@ -119,10 +134,12 @@ void ProMzPlu::CalcRule(RuleRun& run) {
   // Nothing changes the lines while rows are read, so the loader takes no copy of them.
   if (!LoadRuleDetail(run.Sale(), error)) {
     Log(QString::fromUtf8(LogText::kGoodsFailed) + error);
+    run.RefuseUnreadable(error);
     return;
   }
+  if (m_tiers.empty()) run.Note(Reason::NotNamed).On(run.Lines());
   SortTiersDown(m_tiers);
-  const LinePtrs singleLines = SelectSingleLines(run.Lines());
+  const LinePtrs singleLines = SelectSingleLines(run);
   // Every tier has its turn, also one that a higher tier has already left goods to.
   for (const PluAddAction& tier : m_tiers) {
     // A sale of packages only ends the rule here, its limit included.
@@ -136,12 +153,12 @@ void ProMzPlu::CalcTier(RuleRun& run, const PluAddAction& tier, const LinePtrs& 
   const std::vector<PluCondition> condition = ConditionOf(tier);
   // Nothing changes the lines while they are chosen, so their quantities are counted on the sale's own.
   const RuleLines chosen = SelectRuleLinePtrs(run, SplitRows(condition), singleLines);
-  Giving giving{Quotient(chosen.Money, chosen.Quantity), ValueFor(tier, chosen)};
-  if (!GiveFromTier(tier, giving)) return;
+  Giving giving{chosen.Lines, Quotient(chosen.Money, chosen.Quantity), ValueFor(tier, chosen)};
+  if (!GiveFromTier(run, m_tiers, tier, giving)) return;
   if (giving.Value > 0) {
     // Whether a lower tier is reached doesn't matter to the one behind it.
     for (const PluAddAction& lower : TiersBehind(m_tiers, tier)) {
-      if (SharesGoods(lower, tier)) GiveFromTier(lower, giving);
+      if (SharesGoods(lower, tier)) GiveFromTier(run, m_tiers, lower, giving);
     }
   }
   const double base = TakeFromLines(run, tier, chosen.Lines, giving.Value);

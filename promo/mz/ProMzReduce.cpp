@@ -80,23 +80,29 @@ void ProMzReduce::CalcRule(RuleRun& run) {
   // Nothing changes the lines while rows are read, so the loader takes no copy of them.
   if (!LoadRuleDetail(run.Sale(), error)) {
     Log(QString::fromUtf8(LogText::kReduceFailed) + error);
+    run.RefuseUnreadable(error);
     return;
   }
+  if (m_lists.empty()) run.Refuse(Reason::NoRows);
   for (ProMzList& list : m_lists) CalcList(run, list);
   run.Limit();
 }
 
 void ProMzReduce::CalcList(RuleRun& run, ProMzList& list) {
-  if (list.Tiers.empty()) return;
+  if (!list.HasTiers(run)) return;
   SortTiersDown(list.Tiers);
-  if (Same(list.ConAreaType, ConditionArea::kWholeSale)) ReduceWholeSale(run, list);
-  if (Same(list.ConAreaType, ConditionArea::kChosenLines)) ReduceChosenLines(run, list);
+  if (list.IsOfWholeSale()) ReduceWholeSale(run, list);
+  if (list.IsOfChosenLines()) ReduceChosenLines(run, list);
 }
 
 void ProMzReduce::ReduceWholeSale(RuleRun& run, const ProMzList& list) {
   double amount = 0;
-  for (const SalePlu& line : LastToFirst(run.Lines())) amount += run.OpenMoney(line);
-  const double sum = SumOfTiers(list, amount);
+  for (const SalePlu& line : LastToFirst(run.Lines())) {
+    const double open = run.OpenMoney(line);
+    amount += open;
+    if (!(open > 0)) run.NoteNoMoneyOpen(line);
+  }
+  const double sum = SumOfTiers(run, list, amount, nullptr);
   if (!(sum > 0)) return;
 
   // This spreading leaves the lines' amounts to this type: each falls by what the rule's row on it gained, the rounding
@@ -111,22 +117,26 @@ void ProMzReduce::ReduceWholeSale(RuleRun& run, const ProMzList& list) {
 void ProMzReduce::ReduceChosenLines(RuleRun& run, const ProMzList& list) {
   const RuleLines chosen = SelectRuleLines(run, SplitRows(list.Conditions));
   if (chosen.Money == 0) return;
-  const double sum = SumOfTiers(list, chosen.Money);
+  const double sum = SumOfTiers(run, list, chosen.Money, &chosen.Lines);
   SpreadOptions options;
   options.Price = list.Price();
   if (sum > 0) SpreadOverLinePtrs(run, chosen.Lines, sum, chosen.Money, options);
 }
 
 /// What an amount brings over the tiers of a list.
-double ProMzReduce::SumOfTiers(const ProMzList& list, double amount) {
+double ProMzReduce::SumOfTiers(const RuleRun& run, const ProMzList& list, double amount, const LinePtrs* lines) {
   double remainder = amount;
   double sum = 0;
   for (const PluAddAction& tier : list.Tiers) {
-    if (remainder < tier.BaseConNum) continue;
+    if (remainder < tier.BaseConNum) {
+      NoteBelow(run, list.Tiers, tier, Unit::Money, remainder, lines);
+      continue;
+    }
     sum += tier.BaseDscNum;
     const double left = GiveFurtherSteps(tier, remainder, list.MaxDiscount, sum);
     // A tier that repeats its threshold leaves nothing at least; with a step of its own it may leave less than nothing.
     remainder = tier.AddConNum == 0 ? std::max(left, 0.0) : left;
+    if (sum <= 0) run.Note(Reason::GivesNothing).Tier(&tier - list.Tiers.data()).Has(Unit::Money, 0.0);
   }
   return sum;
 }

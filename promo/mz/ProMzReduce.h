@@ -6,6 +6,7 @@
 
 #include "db/QnPosDBPro.h"
 #include "promo/mz/ProMzList.h"
+#include "rule/LinePtrs.h"
 #include "rule/ProBase.h"
 #include "rule/RuleRun.h"
 
@@ -29,7 +30,7 @@ class ProMzReduce : public ProBase {
   static void CalcList(RuleRun& run, ProMzList& list);
   static void ReduceWholeSale(RuleRun& run, const ProMzList& list);
   static void ReduceChosenLines(RuleRun& run, const ProMzList& list);
-  static double SumOfTiers(const ProMzList& list, double amount);
+  static double SumOfTiers(const RuleRun& run, const ProMzList& list, double amount, const LinePtrs* lines);
 
   std::vector<ProMzList> m_lists;  ///< lists, read anew for each sale
   QnPosDBPro m_db;

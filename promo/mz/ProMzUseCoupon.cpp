@@ -22,31 +22,33 @@ double PresentedValue(const ProSale& sale) {
 
 void ProMzUseCoupon::CalcRule(RuleRun& run) {
   if (!run.MayActOnSale()) return;
+  if (m_lists.empty()) run.Refuse(Reason::NoRows);
   for (ProMzList& list : m_lists) CalcList(run, list);
 }
 
 void ProMzUseCoupon::CalcList(RuleRun& run, ProMzList& list) {
-  if (list.Tiers.empty()) return;
+  if (!list.HasTiers(run)) return;
   SortTiersDown(list.Tiers);
-  if (Same(list.ConAreaType, ConditionArea::kChosenLines)) {
+  if (list.IsOfChosenLines()) {
     const RuleLines chosen = SelectRuleLines(run, SplitRows(list.Conditions));
     if (chosen.Money != 0) TakeCoupons(run, list, chosen.Money, chosen.Lines);
   } else {
-    const bool isWholeSale = Same(list.ConAreaType, ConditionArea::kWholeSale);
-    TakeCoupons(run, list, isWholeSale ? run.Sale().SaleTotal() : 0, {});
+    TakeCoupons(run, list, list.IsOfWholeSale() ? run.Sale().SaleTotal() : 0, {});
   }
 }
 
 /// Takes in as much coupon value as the tiers allow. All coupons of the sale are gone then, needed or not.
 void ProMzUseCoupon::TakeCoupons(RuleRun& run, const ProMzList& list, double amount, const LinePtrs& chosen) {
-  const double allowed = SumOfTiers(list, amount);
-  const double value = std::min(PresentedValue(run.Sale()), allowed);
+  const double allowed = SumOfTiers(run, list, amount, list.IsOfWholeSale() ? nullptr : &chosen);
+  const double presented = PresentedValue(run.Sale());
+  const double value = std::min(presented, allowed);
+  if (!(presented > 0)) run.Refuse(Reason::NoCoupons).Has(Unit::Coupon, presented);
   if (!(value > 0)) return;
   run.Sale().Coupons.clear();
   run.RecordOnSale({0, value}, Member::Untold);
   // In an area of no known name coupons are taken in and nothing is spread.
-  if (Same(list.ConAreaType, ConditionArea::kWholeSale)) SpreadOverLines(run, value, amount, list.Price());
-  if (!Same(list.ConAreaType, ConditionArea::kChosenLines)) return;
+  if (list.IsOfWholeSale()) SpreadOverLines(run, value, amount, list.Price());
+  if (!list.IsOfChosenLines()) return;
   SpreadOptions options;
   options.Price = list.Price();
   SpreadOverLinePtrs(run, chosen, value, amount, options);
@@ -54,11 +56,14 @@ void ProMzUseCoupon::TakeCoupons(RuleRun& run, const ProMzList& list, double amo
 
 /// What an amount allows over the tiers of a list. Remainder and sum are held in single precision and rounded to it
 /// at every step; what they are compared with and reckoned from stays in double precision.
-float ProMzUseCoupon::SumOfTiers(const ProMzList& list, double amount) {
+float ProMzUseCoupon::SumOfTiers(const RuleRun& run, const ProMzList& list, double amount, const LinePtrs* lines) {
   float remainder = ToSingle(amount);
   float sum = 0;
   for (const PluAddAction& tier : list.Tiers) {
-    if (tier.BaseConNum > remainder) continue;
+    if (tier.BaseConNum > remainder) {
+      NoteBelow(run, list.Tiers, tier, Unit::Money, remainder, lines);
+      continue;
+    }
     float counted = remainder;
     double addOn = 0;
     if (tier.SaleMaxIn != 0 && remainder > tier.SaleMaxIn) {
@@ -70,6 +75,7 @@ float ProMzUseCoupon::SumOfTiers(const ProMzList& list, double amount) {
     AddRepeatedSingle(steps.Count, ToSingle(steps.Gift), ToSingle(list.MaxDiscount), sum);
     const double base = ReachesLimit(sum, list.MaxDiscount) ? 0 : counted;
     remainder = ToSingle(base - (tier.BaseConNum + steps.Count * steps.Size) + addOn);
+    if (sum <= 0) run.Note(Reason::GivesNothing).Tier(&tier - list.Tiers.data()).Has(Unit::Money, 0.0);
   }
   return sum;
 }

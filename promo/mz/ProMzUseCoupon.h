@@ -20,7 +20,7 @@ class ProMzUseCoupon : public ProMzCoupon {
  private:
   static void CalcList(RuleRun& run, ProMzList& list);
   static void TakeCoupons(RuleRun& run, const ProMzList& list, double amount, const LinePtrs& chosen);
-  static float SumOfTiers(const ProMzList& list, double amount);
+  static float SumOfTiers(const RuleRun& run, const ProMzList& list, double amount, const LinePtrs* lines);
 };
 
 }  // namespace Corvane

@@ -25,8 +25,29 @@ double AddUpTo(double limit, std::int64_t count, RepeatedSum sum) {
 void LogTooManyRepeats(Text billNo) { Log(LogText::kTooManyRepeats, billNo); }
 
 TierUnit UnitOf(Text word) {
-  if (Same(word, "SUM")) return TierUnit::Money;
-  return Same(word, "NUM") ? TierUnit::Quantity : TierUnit::Unknown;
+  if (Same(word, TierWord::kMoney)) return TierUnit::Money;
+  return Same(word, TierWord::kQuantity) ? TierUnit::Quantity : TierUnit::Unknown;
+}
+
+void NoteBelow(const RuleRun& run, const std::vector<PluAddAction>& tiers, const PluAddAction& tier, Unit unit,
+               double have, const LinePtrs* lines) {
+  if (run.Told() == nullptr) return;
+  Telling telling = run.Note(Reason::BelowThreshold);
+  telling.Row(tier.SerialNo).Tier(&tier - tiers.data()).Has(unit, have).Needs(tier.BaseConNum);
+  if (lines != nullptr) {
+    telling.On(*lines);
+  } else {
+    telling.On(run.Lines());
+  }
+}
+
+void NoteUnknownUnit(const RuleRun& run, const std::vector<PluAddAction>& tiers, const PluAddAction& tier) {
+  const bool isCounted = UnitOf(tier.BaseConTp) == TierUnit::Unknown;
+  run.Note(Reason::UnknownUnit)
+      .Row(tier.SerialNo)
+      .Tier(&tier - tiers.data())
+      .Has(Unit::UnitWord, isCounted ? tier.BaseConTp : tier.BaseDscTp)
+      .Needs(TierWord::kAll);
 }
 
 void SortTiersDown(std::vector<PluAddAction>& tiers) {

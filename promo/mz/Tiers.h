@@ -7,6 +7,7 @@
 
 #include "base/RepeatedSum.h"
 #include "base/Text.h"
+#include "rule/RuleRun.h"
 #include "sale/SaleRecords.h"
 
 namespace Corvane {
@@ -17,7 +18,14 @@ namespace Corvane {
 /// The unit of a threshold or a gift.
 enum class TierUnit { Money, Quantity, Unknown };
 
-/// @param word "SUM" for money, "NUM" for quantity.
+/// The words for them; any other is an unknown unit.
+namespace TierWord {
+constexpr Text kMoney = "SUM";
+constexpr Text kQuantity = "NUM";
+constexpr Text kAll = "SUM, NUM";
+}  // namespace TierWord
+
+/// @param word one of TierWord.
 TierUnit UnitOf(Text word);
 
 /// Logs that a list of the rule would never come to an end and gives nothing.
@@ -42,6 +50,22 @@ class TiersBehind {
   const PluAddAction* m_first;
   const PluAddAction* m_end;
 };
+
+/// Notes that a tier is not reached. What it misses may have been taken by rules on those lines.
+///
+/// @param tiers the list that holds the tier, from the highest threshold on.
+/// @param have  what counts toward the threshold.
+/// @param lines those that count; null for the whole sale.
+void NoteBelow(const RuleRun& run, const std::vector<PluAddAction>& tiers, const PluAddAction& tier, Unit unit,
+               double have, const LinePtrs* lines);
+
+/// The unit in which a tier that names it is told.
+inline Unit ToldUnit(const PluAddAction& tier) {
+  return UnitOf(tier.BaseConTp) == TierUnit::Quantity ? Unit::Quantity : Unit::Money;
+}
+
+/// Notes that a tier counts or gives in an unknown unit.
+void NoteUnknownUnit(const RuleRun& run, const std::vector<PluAddAction>& tiers, const PluAddAction& tier);
 
 /// Whether a sum has reached a limit; a limit of 0 is none.
 inline bool ReachesLimit(double sum, double limit) { return limit != 0 && sum >= limit; }
