@@ -38,8 +38,14 @@ std::int32_t Calculate(Text key, Text mode, Text xml, ResultPlace out, char* msg
   Log(LogText::kSaleRead);
   if (Promotion::Instance().Rules().empty()) CopyText(msg, AnswerText::kNoRules);
   if (explanation != nullptr) explanation->Begin(sale);
-  const ModeStep run = FindMode(mode);
-  return run != nullptr ? run({sale, lineIndex, out, msg, explanation}) : RefuseMode(msg);
+  const Mode* const known = FindMode(mode);
+  if (known == nullptr) return RefuseMode(msg);
+  if (known->StartsAnew) {
+    sale.Trail.Restart(known->Name);
+  } else {
+    sale.Trail.Add(known->Name);
+  }
+  return known->Run({sale, lineIndex, out, msg, explanation});
 }
 
 }  // namespace

@@ -65,7 +65,9 @@ class ToldWalk {
 };
 
 /// Tells that the rule's step runs elsewhere.
-void RefusePass(const RuleKind* kind, const ProInfo& rule, Text pass, RuleOutcome* outcome) {
+void RefusePass(const ProInfo& rule, Text pass, RuleOutcome* outcome) {
+  if (outcome == nullptr) return;
+  const RuleKind* const kind = FindKind(RuleKinds(), rule.ProType);
   if (kind == nullptr) {
     Refuse(outcome, Reason::UnknownType).Has(Unit::Type, rule.ProType);
   } else {
@@ -77,7 +79,7 @@ void RefusePass(const RuleKind* kind, const ProInfo& rule, Text pass, RuleOutcom
 void RunStep(AnyRule& rule, ProSale& sale, Pass pass, RuleOutcome* outcome) {
   const RuleKind* const kind = FindKind(RuleKinds(), InfoOf(rule).ProType);
   if (kind == nullptr || kind->RunsIn != pass) {
-    RefusePass(kind, InfoOf(rule), NameOf(pass), outcome);
+    RefusePass(InfoOf(rule), NameOf(pass), outcome);
     return;
   }
   RuleRun run(BaseOf(rule), sale, outcome);
@@ -132,7 +134,7 @@ std::int32_t RunSingle(const Calculation& calculation) {
     const ProInfo& info = InfoOf(*rule);
     if (IsSkipped(info, sale, outcome)) continue;
     if (!Same(info.ProType, TypeWord::kLimit)) {
-      RefusePass(FindKind(RuleKinds(), info.ProType), info, kPass, outcome);
+      RefusePass(info, kPass, outcome);
       continue;
     }
     RuleRun run(BaseOf(*rule), sale, outcome);
@@ -219,8 +221,7 @@ std::int32_t RunCoupon(const Calculation& calculation) {
     RuleOutcome* const outcome = told.Next();
     auto* const coupons = std::get_if<ProMzUseCoupon>(rule.get());
     if (coupons == nullptr) {
-      const ProInfo& info = InfoOf(*rule);
-      RefusePass(FindKind(RuleKinds(), info.ProType), info, NameOf(Pass::Coupon), outcome);
+      RefusePass(InfoOf(*rule), NameOf(Pass::Coupon), outcome);
       continue;
     }
     RuleRun run(*coupons, calculation.Sale, outcome);
@@ -229,21 +230,21 @@ std::int32_t RunCoupon(const Calculation& calculation) {
   return WriteResult(calculation);
 }
 
-struct Mode {
-  Text Name;
-  ModeStep Run;
-};
-
-constexpr Mode kModes[] = {
-    {"Single", RunSingle},           {"All", RunAll},   {"Union", RunUnion}, {"Zh", RunZh},
-    {"MzPromotion", RunMzPromotion}, {"Gift", RunGift}, {"Pay", RunPay},     {"Coupon", RunCoupon}};
+constexpr Mode kModes[] = {{"Single", RunSingle, false},
+                           {"All", RunAll, true},
+                           {"Union", RunUnion, true},
+                           {"Zh", RunZh, true},
+                           {"MzPromotion", RunMzPromotion, false},
+                           {"Gift", RunGift, false},
+                           {"Pay", RunPay, false},
+                           {"Coupon", RunCoupon, false}};
 
 }  // namespace
 
-ModeStep FindMode(Text mode) {
+const Mode* FindMode(Text name) {
   const auto* const found =
-      std::find_if(std::begin(kModes), std::end(kModes), [&](const Mode& row) { return Same(row.Name, mode); });
-  return found == std::end(kModes) ? nullptr : found->Run;
+      std::find_if(std::begin(kModes), std::end(kModes), [&](const Mode& row) { return Same(row.Name, name); });
+  return found == std::end(kModes) ? nullptr : found;
 }
 
 }  // namespace Corvane

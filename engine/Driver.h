@@ -20,12 +20,16 @@ struct Calculation {
   Explanation* Asked = nullptr;
 };
 
-/// A mode: takes the rules through their passes in the registry's order and writes the result.
-/// @return the call's result.
-using ModeStep = std::int32_t (*)(const Calculation& calculation);
+/// A mode.
+struct Mode {
+  Text Name;
+  /// Takes the rules through their passes in the registry's order and writes the result. @return the call's result.
+  std::int32_t (*Run)(const Calculation& calculation);
+  bool StartsAnew;  ///< whether it empties the lines' results first
+};
 
 /// @return the mode of this name, compared exactly, or null.
-ModeStep FindMode(Text mode);
+const Mode* FindMode(Text name);
 
 }  // namespace Corvane
 

@@ -1,7 +1,6 @@
 #include "host/ExplanationJson.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -19,12 +18,8 @@ constexpr std::int64_t kVersion = 1;
 
 // --- Values ----------------------------------------------------------------------------------------------------------
 
-/// With six decimals at most; what is no number is null.
+/// With six decimals at most; what is no finite number is 0, as in the result.
 void WriteNumber(JsonWriter& json, double number) {
-  if (!std::isfinite(number)) {
-    json.Number("null");
-    return;
-  }
   std::string digits = FormatF6(number);
   digits.erase(digits.find_last_not_of('0') + 1);
   if (digits.back() == '.') digits.pop_back();
@@ -102,7 +97,8 @@ Decision OnAllLines(Decision decision, const std::vector<Decision>& decisions) {
   Decision gathered = std::move(decision);
   for (const Decision& other : decisions) {
     const bool saysTheSame = other.Why == gathered.Why && other.In == gathered.In && other.Have == gathered.Have &&
-                             other.Need == gathered.Need && other.Row == gathered.Row && other.Tier == gathered.Tier;
+                             other.Need == gathered.Need && other.Row == gathered.Row && other.Tier == gathered.Tier &&
+                             (other.Why != Reason::NothingOpen || SameTakers(other.TakenBy, gathered.TakenBy));
     if (saysTheSame) AddLines(gathered, other);
   }
   return gathered;

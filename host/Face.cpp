@@ -203,6 +203,7 @@ struct Request {
   std::string Mode;
   std::string Xml;
   unsigned Flags;
+  std::string Folder;  ///< the store's
 };
 
 void Calculate(const Request& asked, Outcome& outcome) {
@@ -224,6 +225,10 @@ void Calculate(const Request& asked, Outcome& outcome) {
       outcome.Result = ExplanationAlone(*explained, *sale);
     }
     return;
+  }
+  if (isExplained && sale != nullptr) {
+    GoodsList goods(asked.Folder);
+    explained->Near = FindNearMisses(asked.Mode, explained->Told, *sale, goods);
   }
   const bool isJson = isExplained || (asked.Flags & QNC_JSON) != 0;
   outcome.Result =
@@ -321,10 +326,11 @@ int qnc_calculate(qnc_engine* engine, const char* key, const char* mode, const c
   return Guarded(result, error, [&] {
     RequirePlace(result, "the result");
     RequireFlags(flags, QNC_LENIENT | QNC_JSON | QNC_EXPLAIN);
-    const Request asked = {OrEmpty(key), OrEmpty(mode), OrEmpty(xml), flags};
+    Request asked = {OrEmpty(key), OrEmpty(mode), OrEmpty(xml), flags, {}};
     if (asked.Key.empty()) Fail(QNC_BAD_ARGUMENT, "no key; name the sale");
     RequireMode(asked.Mode);
     if (asked.Xml.empty()) Fail(QNC_BAD_XML, "sale:1:1: is empty; send an element at least, <Sale/>");
+    if ((flags & QNC_EXPLAIN) != 0) asked.Folder = Session::FolderOf(engine);
     return Session::Do(engine, limit_ms, [=](Outcome& outcome) { Calculate(asked, outcome); });
   });
 }

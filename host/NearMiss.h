@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "engine/Explanation.h"
+#include "host/GoodsList.h"
 #include "rule/Decision.h"
 #include "sale/ProSale.h"
 
@@ -42,6 +43,14 @@ struct NearMiss {
 };
 
 using NearMisses = std::vector<NearMiss>;
+
+/// Finds what would have to be added for each rule's next step, and what that brings: by adding it and calculating again, on
+/// copies of the sale. Nothing of it goes into the log, and the sale stays as it is.
+///
+/// @param told  of the calculation.
+/// @param sale  as the calculation left it.
+/// @param goods what goods cost that aren't in the sale.
+NearMisses FindNearMisses(const std::string& mode, const Explanation& told, const ProSale& sale, GoodsList& goods);
 
 }  // namespace Corvane::Host
 

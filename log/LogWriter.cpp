@@ -35,6 +35,7 @@ void LogWriter::Finish() noexcept {
 
 template <class Step>
 void LogWriter::AddEntry(Step append) noexcept {
+  if (m_isSilent) return;
   if (!Succeeds(append) && !m_ends.empty()) {
     HandOver();  // the room of the entries before it may be enough
     Succeeds(append);

@@ -7,6 +7,7 @@
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "log/LogEncoding.h"
@@ -28,6 +29,9 @@ class LogWriter {
   /// The same of a text of Qt's.
   void Add(const QString& text) noexcept;
 
+  /// @param isSilent whether entries are dropped from now on. @return whether they were until now.
+  bool Silence(bool isSilent) noexcept { return std::exchange(m_isSilent, isSilent); }
+
   /// Brings what is gathered into the file and closes it. @note the writer can be used again.
   void Finish() noexcept;
 
@@ -40,6 +44,7 @@ class LogWriter {
   void HandOver() noexcept;
   void GiveLargeRoomBack() noexcept;
 
+  bool m_isSilent = false;
   TimeStamp m_time;
   LogEncoding m_encoding;
   LogFile m_file;

@@ -23,14 +23,15 @@ bool CountsAsUsed(const ProResult& row, Text primary, Text proType) {
 }
 
 /// Whether the row takes the whole line from a rule of this type.
-bool TakesWholeLine(const ProResult& row, Text proType) {
-  return TypeOf(proType).Has(Fact::TakesLinesWhole) && Same(row.ProType, proType);
+bool TakesWholeLine(const ProResult& row, const RuleType& type) {
+  return type.Has(Fact::TakesLinesWhole) && Same(row.ProType, type.Word);
 }
 
 double UsedQuantity(const SalePlu& line, Text primary, Text proType) {
+  const RuleType& type = TypeOf(proType);
   double used = 0;
   for (const ProResult& row : LastToFirst(line.ProResults)) {
-    if (TakesWholeLine(row, proType)) {
+    if (TakesWholeLine(row, type)) {
       // Two such rules never share a line: the row takes all of it, whatever was summed so far. Rows met later add.
       used = line.PluCount;
     } else if (CountsAsUsed(row, primary, proType)) {
@@ -122,7 +123,7 @@ void TellNothingOpen(const SalePlu& line, const ProInfo& rule, Text proType, con
 
 void TellTakers(const SalePlu& line, const ProInfo& rule, Text proType, Telling& telling) {
   telling.TakenBy(line, [&](const ProResult& row) {
-    return TakesWholeLine(row, proType) || CountsAsUsed(row, rule.Primary, proType);
+    return TakesWholeLine(row, TypeOf(proType)) || CountsAsUsed(row, rule.Primary, proType);
   });
 }
 

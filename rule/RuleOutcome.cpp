@@ -18,8 +18,17 @@ double MissingOf(const Decision& decision) {
   return have != nullptr && need != nullptr ? *need - *have : std::numeric_limits<double>::max();
 }
 
-/// Whether something is missing that other rules may have taken.
-bool IsShortage(Reason reason) { return reason >= Reason::GoodsMissing && reason <= Reason::NothingAboveThreshold; }
+/// Whether lines with nothing open are why it came to a reason: they would count, but for the rules that took them.
+bool ComesOfTakenLines(Reason reason) {
+  return reason == Reason::BelowMinimum || reason == Reason::BelowSetSize || reason == Reason::BelowThreshold ||
+         reason == Reason::NothingAboveThreshold;
+}
+
+/// Whether one decision tells who took what another misses.
+bool TellsTakersOf(const Decision& decision, const Decision& missing) {
+  if (missing.Why == Reason::SlotShort) return decision.Why == Reason::SlotShort && decision.Slot == missing.Slot;
+  return decision.Why == Reason::NothingOpen && ComesOfTakenLines(missing.Why);
+}
 
 void AddTaker(std::vector<Taker>& takers, const Taker& added) {
   const bool isTold =
@@ -53,9 +62,8 @@ Decision RuleOutcome::Deciding() const {
   }
   if (deciding == nullptr) return {};
   Decision decided = *deciding;
-  if (!IsShortage(decided.Why) || !decided.TakenBy.empty()) return decided;
   for (const Decision& decision : Decisions) {
-    if (decision.Why == Reason::NothingOpen) AddTakers(decided.TakenBy, decision.TakenBy);
+    if (TellsTakersOf(decision, decided)) AddTakers(decided.TakenBy, decision.TakenBy);
   }
   return decided;
 }

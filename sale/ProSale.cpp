@@ -49,6 +49,7 @@ void ProSale::CopyFrom(const ProSale& sale) {
   Gifts = sale.Gifts;
   Coupons = sale.Coupons;
   GivenCoupons = sale.GivenCoupons;
+  Trail = sale.Trail;
   ForgetCodes();
 }
 

@@ -8,6 +8,7 @@
 #include "base/ProError.h"
 #include "base/TextPool.h"
 #include "sale/LineCodes.h"
+#include "sale/ModeTrail.h"
 #include "sale/Multiton.h"
 #include "sale/SaleRecords.h"
 
@@ -30,6 +31,7 @@ class ProSale : public Multiton<ProSale, std::string>, public ProError {
   std::vector<SaleGift> Gifts;           ///< what the front end took of such offers
   std::vector<SaleCoupon> Coupons;       ///< coupons received from the front end
   std::vector<SaleCoupon> GivenCoupons;  ///< coupons that rules made for the sale; the result tells their value alone
+  ModeTrail Trail;                       ///< how the lines came to the results that they have
 
   /// By what rows can name the lines, in groups; made at the first asking after the lines were read.
   /// @param most lines of a group, the same at each asking.

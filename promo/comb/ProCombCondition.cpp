@@ -117,13 +117,14 @@ CombPool ProCombCondition::GetCondLines(const RuleRun& run, const LinePtrs& cand
     const double open = run.OpenCount(*line);
     pool.Money += GetLineLeftTotal(*line, Info.Primary, Info.ProMode);  // under the family word, not the type
     pool.Quantity += open;
-    if (open == 0) {
-      run.NoteNothingOpen(*line);
-      continue;
-    }
+    if (open == 0 && run.Told() == nullptr) continue;
     const auto naming = std::count_if(m_actions.begin(), m_actions.end(),
                                       [&](const PluAction& action) { return RowNamesLine(action, *line); });
     if (naming == 0) run.Note(Reason::NotNamed).On(*line);
+    if (open == 0) {
+      if (naming > 0) run.NoteNothingOpen(*line);
+      continue;
+    }
     pool.Lines.insert(pool.Lines.end(), static_cast<std::size_t>(naming), line);
   }
   return pool;

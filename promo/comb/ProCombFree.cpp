@@ -172,6 +172,8 @@ bool ProCombFree::DiscountByTiers(RuleRun& run, const CombPool& pool) {
     for (SalePlu* line : pool.Lines) DiscountSale(run, tier, *line);
     // The pieces of the sets are gone, whatever the lines took.
     available -= tier.Target;
+    // What the smallest tier leaves waits for a set of its own.
+    if (&row == &m_tiers.front() && available > 0) NoteBelowSet(run, row, pool, available);
   }
   return anySet;
 }

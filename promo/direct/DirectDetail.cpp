@@ -88,11 +88,12 @@ bool LineMatchesRows(const RowPtrs& rows, const SalePlu& line, RowsBy by) {
   });
 }
 
-void NoteUnnamed(const RuleRun& run, const SplitRows& rows, const SalePlu& line) {
-  if (run.Told() == nullptr) return;
+bool NoteUnnamed(const RuleRun& run, const SplitRows& rows, const SalePlu& line) {
+  if (run.Told() == nullptr) return false;
   const bool isNamed =
       LineMatchesRows(rows.PluIn, line, RowsBy::Goods) || LineMatchesRows(rows.ClassIn, line, RowsBy::Class);
   if (!isNamed) run.Note(Reason::NotNamed).On(line);
+  return !isNamed;
 }
 
 }  // namespace Corvane

@@ -43,8 +43,8 @@ bool MatchClassRow(const ProDetailKey& row, const SalePlu& line);
 /// Whether any row names the line: by the goods code, or as a class by MatchClassRow.
 bool LineMatchesRows(const RowPtrs& rows, const SalePlu& line, RowsBy by);
 
-/// Notes a line that no including row names.
-void NoteUnnamed(const RuleRun& run, const SplitRows& rows, const SalePlu& line);
+/// Notes a line that no including row names. @return whether it is one; false where nobody asks.
+bool NoteUnnamed(const RuleRun& run, const SplitRows& rows, const SalePlu& line);
 
 }  // namespace Corvane
 

@@ -38,7 +38,7 @@ void ProDirectLimit::DiscountLine(RuleRun& run, const SplitRows& rows, EarlierCo
   const double open = run.OpenCount(line);
   Log(LogText::kBehindOpenQuantity);
   if (open <= 0) {
-    run.NoteNothingOpen(line);
+    if (!NoteUnnamed(run, rows, line)) run.NoteNothingOpen(line);
     return;
   }
   if (LineMatchesRows(rows.PluNot, line, RowsBy::Goods)) {

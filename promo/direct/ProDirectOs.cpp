@@ -54,6 +54,16 @@ Telling NoteBelowSet(const RuleRun& run, const PluCondition& condition, double u
   return telling;
 }
 
+/// Notes the units that belong to no full set at the end.
+void NoteCarry(const RuleRun& run, const PluCondition& condition, const LinePtrs& pool, double carry) {
+  if (run.Told() == nullptr) return;
+  Telling telling = NoteBelowSet(run, condition, carry);
+  telling.Goods(condition.PluCode);
+  for (const SalePlu* line : pool) {
+    if (Same(line->PluCode, condition.PluCode)) telling.On(*line);
+  }
+}
+
 }  // namespace
 
 void ProDirectOs::InitRule(Text xml) { ReadRule(xml, *this); }
@@ -116,7 +126,7 @@ void ProDirectOs::DiscountByRow(RuleRun& run, const PluCondition& condition, con
       return;
     }
   }
-  if (condition.MinNum > count.Sum) NoteBelowSet(run, condition, count.Sum).Goods(condition.PluCode);
+  if (count.Carry > 0) NoteCarry(run, condition, pool, count.Carry);
 }
 
 /// @return false when the row's price is no gain on this line.

@@ -110,7 +110,9 @@ double ProMzCoupon::SumOfTiers(const RuleRun& run, const ProMzList& list, double
     sum += tier.BaseDscNum;
     Log(LogText::kCouponSum, FormatF6(sum));
     // Unlike in the reduction, a tier may always leave less than nothing.
-    remainder = GiveFurtherSteps(tier, remainder, list.MaxDiscount, sum);
+    const double left = GiveFurtherSteps(tier, remainder, list.MaxDiscount, sum);
+    NoteNextStep(run, list.Tiers, tier, remainder, list.MaxDiscount, sum, lines);
+    remainder = left;
     if (sum <= 0) run.Note(Reason::GivesNothing).Tier(&tier - list.Tiers.data()).Has(Unit::Money, 0.0);
   }
   return sum;

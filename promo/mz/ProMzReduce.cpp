@@ -134,6 +134,7 @@ double ProMzReduce::SumOfTiers(const RuleRun& run, const ProMzList& list, double
     }
     sum += tier.BaseDscNum;
     const double left = GiveFurtherSteps(tier, remainder, list.MaxDiscount, sum);
+    NoteNextStep(run, list.Tiers, tier, remainder, list.MaxDiscount, sum, lines);
     // A tier that repeats its threshold leaves nothing at least; with a step of its own it may leave less than nothing.
     remainder = tier.AddConNum == 0 ? std::max(left, 0.0) : left;
     if (sum <= 0) run.Note(Reason::GivesNothing).Tier(&tier - list.Tiers.data()).Has(Unit::Money, 0.0);

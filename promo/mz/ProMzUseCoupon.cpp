@@ -73,6 +73,7 @@ float ProMzUseCoupon::SumOfTiers(const RuleRun& run, const ProMzList& list, doub
     sum = ToSingle(sum + tier.BaseDscNum);
     const FurtherSteps steps = FurtherStepsOf(tier, counted);
     AddRepeatedSingle(steps.Count, ToSingle(steps.Gift), ToSingle(list.MaxDiscount), sum);
+    NoteNextStep(run, list.Tiers, tier, counted, list.MaxDiscount, sum, lines);
     const double base = ReachesLimit(sum, list.MaxDiscount) ? 0 : counted;
     remainder = ToSingle(base - (tier.BaseConNum + steps.Count * steps.Size) + addOn);
     if (sum <= 0) run.Note(Reason::GivesNothing).Tier(&tier - list.Tiers.data()).Has(Unit::Money, 0.0);

@@ -29,16 +29,35 @@ TierUnit UnitOf(Text word) {
   return Same(word, TierWord::kQuantity) ? TierUnit::Quantity : TierUnit::Unknown;
 }
 
-void NoteBelow(const RuleRun& run, const std::vector<PluAddAction>& tiers, const PluAddAction& tier, Unit unit,
-               double have, const LinePtrs* lines) {
+namespace {
+
+void NoteBelowMark(const RuleRun& run, const std::vector<PluAddAction>& tiers, const PluAddAction& tier, Unit unit,
+                   double have, double need, const LinePtrs* lines) {
   if (run.Told() == nullptr) return;
   Telling telling = run.Note(Reason::BelowThreshold);
-  telling.Row(tier.SerialNo).Tier(&tier - tiers.data()).Has(unit, have).Needs(tier.BaseConNum);
+  telling.Row(tier.SerialNo).Tier(&tier - tiers.data()).Has(unit, have).Needs(need);
   if (lines != nullptr) {
     telling.On(*lines);
   } else {
     telling.On(run.Lines());
   }
+}
+
+}  // namespace
+
+void NoteBelow(const RuleRun& run, const std::vector<PluAddAction>& tiers, const PluAddAction& tier, Unit unit,
+               double have, const LinePtrs* lines) {
+  NoteBelowMark(run, tiers, tier, unit, have, tier.BaseConNum, lines);
+}
+
+void NoteNextStep(const RuleRun& run, const std::vector<PluAddAction>& tiers, const PluAddAction& tier, double amount,
+                  double limit, double sum, const LinePtrs* lines) {
+  if (run.Told() == nullptr || ReachesLimit(sum, limit)) return;
+  const FurtherSteps steps = FurtherStepsOf(tier, amount);
+  const double next = tier.BaseConNum + (steps.Count + 1.0) * steps.Size;
+  const bool isOpen =
+      steps.Gift > 0 && steps.Size > 0 && next > amount && (tier.SaleMaxIn == 0 || next <= tier.SaleMaxIn);
+  if (isOpen) NoteBelowMark(run, tiers, tier, Unit::Money, amount, next, lines);
 }
 
 void NoteUnknownUnit(const RuleRun& run, const std::vector<PluAddAction>& tiers, const PluAddAction& tier) {

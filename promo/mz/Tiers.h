@@ -59,6 +59,15 @@ class TiersBehind {
 void NoteBelow(const RuleRun& run, const std::vector<PluAddAction>& tiers, const PluAddAction& tier, Unit unit,
                double have, const LinePtrs* lines);
 
+/// Notes what the next of a tier's further steps would take, where there is one: neither `SaleMaxIn` nor the limit of the sum
+/// stands against it.
+///
+/// @param amount what reached the tier.
+/// @param limit  of the sum; 0 means none.
+/// @param sum    what the list gives, this tier included.
+void NoteNextStep(const RuleRun& run, const std::vector<PluAddAction>& tiers, const PluAddAction& tier, double amount,
+                  double limit, double sum, const LinePtrs* lines);
+
 /// The unit in which a tier that names it is told.
 inline Unit ToldUnit(const PluAddAction& tier) {
   return UnitOf(tier.BaseConTp) == TierUnit::Quantity ? Unit::Quantity : Unit::Money;

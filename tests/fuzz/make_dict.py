@@ -18,7 +18,7 @@ PATTERNS = (
     re.compile(r'\{"([A-Za-z0-9_]+)",\s*\w*(?:Field|Into<\w+>|Column|FromColumn<\w+>)\w*::'),
     re.compile(r'Same(?:IgnoringCase)?\([^"()]*(?:\([^()]*\))?[^"()]*"([A-Za-z0-9_*]+)"'),
     re.compile(r'= "([A-Za-z0-9_*]+)"'),
-    re.compile(r'\{"([A-Za-z0-9_]+)",\s*Run\w+\}'),
+    re.compile(r'\{"([A-Za-z0-9_]+)",\s*Run\w+,'),
 )
 # Forms that stand nowhere in the sources, being parts of XML and of numbers.
 FORMS = (
