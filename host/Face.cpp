@@ -18,6 +18,7 @@
 #include "engine/RuleCalls.h"
 #include "engine/SaleCalls.h"
 #include "host/ExplanationJson.h"
+#include "host/ExplanationTexts.h"
 #include "host/Failure.h"
 #include "host/JsonWriter.h"
 #include "host/ResultJson.h"
@@ -272,6 +273,8 @@ using namespace Corvane::Host;  // NOLINT(google-build-using-namespace)
 extern "C" {
 
 const char* qnc_version(void) { return QNCORVANE_VERSION; }
+
+const char* qnc_texts(void) { return kExplanationTexts; }
 
 void qnc_free(char* text) { std::free(text); }
 

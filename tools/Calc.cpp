@@ -33,7 +33,7 @@ std::string CalculateAndPrint(const Till& till, const CalcCommand& command, cons
   Answer answer;
   std::size_t number = 0;
   for (const LoadedStep& loaded : steps) {
-    answer = sale.Take(loaded, false);
+    answer = sale.Take(loaded);
     if (number == 0) Receipt(std::cout, paint, store, before).PrintBefore();
     if (number == 0 && showSteps) receipt.PrintStepsHeading();
     ++number;

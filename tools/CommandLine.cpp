@@ -2,10 +2,12 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstdlib>
 #include <map>
 #include <sstream>
 #include <system_error>
 
+#include "Sentences.h"
 #include "StoreTemplates.h"
 #include "ToolError.h"
 #include "qncorvane/host.h"
@@ -17,14 +19,15 @@ namespace fs = std::filesystem;
 
 const std::vector<std::string> kModes = {"Single", "All", "Union", "Zh", "MzPromotion", "Gift", "Pay", "Coupon"};
 const std::vector<std::string> kGenerated = {"man", "bash", "zsh", "fish"};
-const std::vector<std::string> kCommands = {"calc", "init", "check", "help"};
+const std::vector<std::string> kCommands = {"calc", "explain", "init", "check", "help"};
 
 const TermList kExitCodes{"Exit status",
                           {{"0", "all was done: every step calculated, no error found"},
                            {"1", "a file, a rule, the database or a step failed, or a check found an error"},
                            {"2", "the command line makes no sense"}}};
 const TermList kEnvironment{"Environment",
-                            {{"NO_COLOR", "no colours on a terminal when it is set; elsewhere there are none anyway"}}};
+                            {{"NO_COLOR", "no colours on a terminal when it is set; elsewhere there are none anyway"},
+                             {"LC_ALL, LC_MESSAGES, LANG", "the language of explanations: Chinese for zh"}}};
 const TermList kFiles{"Files",
                       {{"config.ini", "the store's settings"},
                        {"rules/*.xml", "its rules, one to a file"},
@@ -74,6 +77,10 @@ struct Values {
   fs::path sale;
   bool asXml = false;
   bool asJson = false;
+  ExplainCommand explain;
+  std::string explainMode = "All,MzPromotion";
+  fs::path explainSale;
+  std::int64_t line = 0;
   InitCommand init;
   CheckCommand check;
   GenerateCommand generate;
@@ -91,6 +98,7 @@ class Definitions {
     m_app.require_subcommand(0, 1);
     m_app.footer(kProgramDetails);
     DefineCalc();
+    DefineExplain();
     DefineInit();
     DefineCheck();
     DefineHelp();
@@ -167,6 +175,34 @@ class Definitions {
     Add(calc.add_option("SALE", m_values.sale,
                         "the sale XML of the first step, if that has no FILE of its own; - is standard input; a folder "
                         "stands for every *.xml in it, each a sale of its own"),
+        "SALE", ValueKind::file);
+  }
+
+  void DefineExplain() {
+    CLI::App& explain =
+        *m_app.add_subcommand("explain", "tell why each promotion of a sale gave what it gave, or nothing");
+    explain.footer(kExplainDetails);
+    ExplainCommand& values = m_values.explain;
+    Add(explain.add_option("--store", values.store, "the store, as for calc"), "DIR", ValueKind::folder)->required();
+    Add(explain.add_option(
+            "--mode", m_values.explainMode,
+            "what to calculate, as for calc; MODE is one of " + Joined(kModes) + " (default: All,MzPromotion)"),
+        "STEP[,STEP...]", ValueKind::words, kModes);
+    Add(explain.add_option("--rule", values.rule,
+                           "one promotion, by its number: every pass, and all that decided on the way"),
+        "BILLNO", ValueKind::text);
+    Add(explain.add_option("--line", m_values.line, "one line, by its SerialNo: the promotions that looked at it"),
+        "NO", ValueKind::text);
+    Add(explain.add_option("--lang", values.language,
+                           "the language, one of " + Joined(Sentences::Languages()) +
+                               " (default: that of LC_ALL, LC_MESSAGES or LANG, otherwise en)"),
+        "LANG", ValueKind::words, Sentences::Languages());
+    CLI::Option* const json =
+        explain.add_flag("--json", values.asJson, "print the explanations of all steps as one JSON array, alone");
+    for (const char* const one : {"--rule", "--line"}) json->excludes(explain.get_option(one));
+    explain.add_flag("--lenient", values.isLenient, "as for calc");
+    Add(explain.add_option("SALE", m_values.explainSale,
+                           "the sale XML of the first step, if that has no FILE of its own; - is standard input"),
         "SALE", ValueKind::file);
   }
 
@@ -261,6 +297,13 @@ class Definitions {
       "  qncorvane calc --store shop --mode All,MzPromotion --json - < sale.xml\n"
       "  qncorvane calc --store shop --mode All,MzPromotion sales/ --out results/\n"
       "  qncorvane calc --store shop --mode Single=scan1.xml,Single=scan2.xml,All=sale.xml,Pay=card.xml";
+  static constexpr const char* kExplainDetails =
+      "First a table: each promotion with the money that it gave, or why it gave nothing. Then what would have to be "
+      "added to get more, where half of it is there; with --rule in any case. Then the way of each line's amount from "
+      "discount to discount.\n"
+      "  qncorvane explain --store shop sale.xml\n"
+      "  qncorvane explain --store shop --rule R07 --lang zh sale.xml\n"
+      "  qncorvane explain --store shop --mode All,MzPromotion,Pay=card.xml --line 3 sale.xml";
   static constexpr const char* kInitDetails =
       "The store has a database file of SQLite with all tables (store.db), the settings (config.ini), a rule with its "
       "rows "
@@ -289,15 +332,15 @@ void RequireStepsOfAFolder(const CalcCommand& command) {
   }
 }
 
-void RequireFirstSale(const Values& values, CalcCommand& command) {
-  fs::path& first = command.steps.front().saleFile;
-  if (!first.empty() && !values.sale.empty()) {
+void RequireFirstSale(const fs::path& sale, std::vector<Step>& steps) {
+  fs::path& first = steps.front().saleFile;
+  if (!first.empty() && !sale.empty()) {
     RefuseUsage("the first step has a file of its own and SALE is given too; which one is it?");
   }
-  if (first.empty() && values.sale.empty()) RefuseUsage("SALE is missing");
-  if (first.empty()) first = values.sale;
+  if (first.empty() && sale.empty()) RefuseUsage("SALE is missing");
+  if (first.empty()) first = sale;
   const auto readsInput = [](const Step& step) { return step.saleFile == "-"; };
-  if (std::count_if(command.steps.begin(), command.steps.end(), readsInput) > 1) {
+  if (std::count_if(steps.begin(), steps.end(), readsInput) > 1) {
     RefuseUsage("standard input can be read once");
   }
 }
@@ -315,8 +358,36 @@ CalcCommand FinishCalc(const Values& values, bool keyGiven) {
     command.salesFolder = values.sale;
     return command;
   }
-  RequireFirstSale(values, command);
+  RequireFirstSale(values.sale, command.steps);
   if (command.resultPath.empty() && command.form == Form::receipt) command.resultPath = fs::path("out") / "result.xml";
+  return command;
+}
+
+/// The language of the messages that the environment asks for, as far as there is one.
+std::string LanguageOfEnvironment() {
+  for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+    const char* const value = std::getenv(name);
+    if (value == nullptr || *value == '\0') continue;
+    return std::string(value).rfind("zh", 0) == 0 ? "zh" : "en";
+  }
+  return "en";
+}
+
+void RequireLanguage(const std::string& language) {
+  const std::vector<std::string>& languages = Sentences::Languages();
+  if (std::find(languages.begin(), languages.end(), language) != languages.end()) return;
+  RefuseUsage("unknown language '" + language + "'; the languages are " + Joined(languages));
+}
+
+ExplainCommand FinishExplain(const Values& values, const Definitions& definitions) {
+  ExplainCommand command = values.explain;
+  command.steps = ParseSteps(values.explainMode);
+  if (command.store.empty()) RefuseUsage("--store must not be empty");
+  if (definitions.WasGiven("explain", "--rule") && command.rule.empty()) RefuseUsage("--rule must not be empty");
+  if (definitions.WasGiven("explain", "--line")) command.line = values.line;
+  if (!definitions.WasGiven("explain", "--lang")) command.language = LanguageOfEnvironment();
+  RequireLanguage(command.language);
+  RequireFirstSale(values.explainSale, command.steps);
   return command;
 }
 
@@ -357,6 +428,7 @@ Command ParseCommandLine(const std::vector<std::string>& arguments) {
   }
   const Values& values = definitions.Read();
   if (name == "calc") return FinishCalc(values, definitions.WasGiven("calc", "--key"));
+  if (name == "explain") return FinishExplain(values, definitions);
   if (name == "init" && values.init.folder.empty()) RefuseUsage("DIR must not be empty");
   if (name == "init") return values.init;
   if (name == "check") return values.check;

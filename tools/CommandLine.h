@@ -1,7 +1,9 @@
 #ifndef TOOLS_COMMANDLINE_H
 #define TOOLS_COMMANDLINE_H
 
+#include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -46,6 +48,20 @@ struct CheckCommand {
   bool asJson = false;
 };
 
+/// "explain", checked: every mode is one of the engine's, the first step has a file, the language is one that there is.
+struct ExplainCommand {
+  std::filesystem::path store;
+  std::vector<Step> steps;
+  /// The `BillNo` of the rule to tell more of; empty: all of them.
+  std::string rule;
+  /// The `SerialNo` of the line to tell more of.
+  std::optional<std::int64_t> line;
+  std::string language;
+  bool asJson = false;
+  /// XML is read as far as it goes.
+  bool isLenient = false;
+};
+
 /// "generate": a page or a completion, made from the definitions of the commands.
 struct GenerateCommand {
   std::string kind;
@@ -58,7 +74,7 @@ struct PrintCommand {
   std::string text;
 };
 
-using Command = std::variant<CalcCommand, InitCommand, CheckCommand, GenerateCommand, PrintCommand>;
+using Command = std::variant<CalcCommand, InitCommand, CheckCommand, ExplainCommand, GenerateCommand, PrintCommand>;
 
 /// @param arguments those behind the program's name.
 /// @throws ToolError with the usage exit code when the arguments make no sense.

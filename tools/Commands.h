@@ -12,6 +12,7 @@ namespace Corvane::Tool {
 int RunCalc(const CalcCommand& command);
 int RunInit(const InitCommand& command);
 int RunCheck(const CheckCommand& command);
+int RunExplain(const ExplainCommand& command);
 int RunGenerate(const GenerateCommand& command);
 
 /// "calc" for a folder of sales.

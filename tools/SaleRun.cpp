@@ -50,12 +50,12 @@ void RequireSuccess(const LoadedStep& loaded, const Answer& answer) {
   throw ToolError("step " + loaded.step.mode + ": " + answer.error);
 }
 
-Answer SaleRun::Take(const LoadedStep& loaded, bool asJson) {
+Answer SaleRun::Take(const LoadedStep& loaded, unsigned flags) {
   const std::string xml = loaded.BringsNothing() ? m_view.HeaderXml() : loaded.saleXml;
-  Answer answer = m_till.Calculate(m_key, loaded.step.mode, xml, asJson);
+  Answer answer = m_till.Calculate(m_key, loaded.step.mode, xml, flags);
   if (!IsRefusedGiftChoice(answer)) RequireSuccess(loaded, answer);
   TakeSent(loaded, m_view);
-  if (asJson || answer.code != QNC_OK) return answer;
+  if (flags != 0 || answer.code != QNC_OK) return answer;
   TiXmlDocument document;
   ParseXml(answer.result, "result of step " + loaded.step.mode, document);
   m_view.TakeResult(*document.RootElement(), loaded.step.mode != "Single");
@@ -64,7 +64,10 @@ Answer SaleRun::Take(const LoadedStep& loaded, bool asJson) {
 
 std::string SaleRun::TakeAll(const std::vector<LoadedStep>& steps, bool lastAsJson) {
   Answer answer;
-  for (const LoadedStep& loaded : steps) answer = Take(loaded, lastAsJson && &loaded == &steps.back());
+  for (const LoadedStep& loaded : steps) {
+    const bool asJson = lastAsJson && &loaded == &steps.back();
+    answer = Take(loaded, asJson ? unsigned{QNC_JSON} : 0U);
+  }
   RequireSuccess(steps.back(), answer);
   return answer.result;
 }

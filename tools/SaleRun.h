@@ -39,9 +39,9 @@ class SaleRun {
   /// Calculates one step. A choice of gifts that asks for too much is an answer: the cashier corrects it, and the till
   /// goes on.
   ///
-  /// @param asJson the result as JSON; the view doesn't take it in then.
+  /// @param flags QNC_JSON, QNC_EXPLAIN: the result is JSON, and the view doesn't take it in.
   /// @throws ToolError with the library's text when the step is refused otherwise.
-  Answer Take(const LoadedStep& loaded, bool asJson);
+  Answer Take(const LoadedStep& loaded, unsigned flags = 0);
 
   /// Calculates all steps, and fails also when the last one is a refused choice of gifts.
   ///

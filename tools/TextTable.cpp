@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <string_view>
 
 namespace Corvane::Tool {
 namespace {
@@ -31,6 +32,31 @@ std::size_t CutAt(const std::string& text, std::size_t width) {
   return std::min(place, text.size());
 }
 
+/// Whether a line may begin with what stands at `place`: closing punctuation stays with what it closes.
+bool MayBegin(const std::string& text, std::size_t place) {
+  constexpr std::array<std::string_view, 7> kClosing = {"、", "。", "，", "；", "：", "）", "”"};
+  return std::none_of(kClosing.begin(), kClosing.end(),
+                      [&](std::string_view mark) { return text.compare(place, mark.size(), mark) == 0; });
+}
+
+/// The place behind the last part of a line that may stand by itself, at most `width` columns; never 0.
+std::size_t BreakAt(const std::string& text, std::size_t width) {
+  const std::size_t end = CutAt(text, width);
+  if (end < text.size() && text[end] == ' ') return end;
+  std::size_t last = 0;
+  bool wasWide = false;
+  for (std::size_t place = 0; place < std::min(end + 1, text.size());) {
+    const auto lead = static_cast<unsigned char>(text[place]);
+    const bool isWide = CharacterWidth(lead) == 2;
+    if ((isWide || wasWide) && MayBegin(text, place)) last = place;
+    place += CharacterLength(lead);
+    if (lead == ' ' && place <= end) last = place;
+    wasWide = isWide;
+  }
+  if (last != 0) return last;
+  return end != 0 ? end : std::min(text.size(), CharacterLength(static_cast<unsigned char>(text.front())));
+}
+
 std::string Printed(double number, int decimals) {
   std::array<char, 400> text{};
   std::snprintf(text.data(), text.size(), "%.*f", decimals, number);
@@ -57,6 +83,20 @@ std::string AtLeft(const std::string& text, std::size_t width) {
 std::string AtRight(const std::string& text, std::size_t width) {
   const std::size_t taken = DisplayWidth(text);
   return std::string(taken < width ? width - taken : 0, ' ') + text;
+}
+
+std::vector<std::string> Wrapped(const std::string& text, std::size_t width) {
+  std::vector<std::string> lines;
+  std::string rest = text;
+  while (DisplayWidth(rest) > width) {
+    const std::size_t end = BreakAt(rest, width);
+    const std::string line = rest.substr(0, end);
+    lines.push_back(line.substr(0, line.find_last_not_of(' ') + 1));
+    rest.erase(0, end);
+    rest.erase(0, std::min(rest.find_first_not_of(' '), rest.size()));
+  }
+  if (!rest.empty() || lines.empty()) lines.push_back(rest);
+  return lines;
 }
 
 std::string Money(double number) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 namespace Corvane::Tool {
 
@@ -14,6 +15,9 @@ std::string AtLeft(const std::string& text, std::size_t width);
 
 /// @return `text` behind so many blanks that both take `width` columns; a longer text stays whole.
 std::string AtRight(const std::string& text, std::size_t width);
+
+/// @return `text` in lines of at most `width` columns, broken at blanks and beside ideographs; at least one line.
+std::vector<std::string> Wrapped(const std::string& text, std::size_t width);
 
 /// @return the number with two decimals; a sum that rounds to nothing is "0.00", without a sign.
 std::string Money(double number);

@@ -33,13 +33,13 @@ void Till::LoadRules() const {
   throw ToolError(refusals.empty() ? error.Text() : refusals);
 }
 
-Answer Till::Calculate(const std::string& key, const std::string& mode, const std::string& saleXml, bool asJson) const {
+Answer Till::Calculate(const std::string& key, const std::string& mode, const std::string& saleXml,
+                       unsigned flags) const {
   LibraryText result;
   LibraryText error;
-  const unsigned flags = m_flags | (asJson ? unsigned{QNC_JSON} : 0U);
   Answer answer;
-  answer.code = qnc_calculate(m_engine, key.c_str(), mode.c_str(), saleXml.c_str(), flags, kNoLimit, result.Place(),
-                              error.Place());
+  answer.code = qnc_calculate(m_engine, key.c_str(), mode.c_str(), saleXml.c_str(), m_flags | flags, kNoLimit,
+                              result.Place(), error.Place());
   answer.error = error.Text();
   answer.result = result.Text();
   return answer;

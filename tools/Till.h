@@ -14,7 +14,7 @@ struct Answer {
   int code = QNC_OK;
   /// The library's text of what is wrong; empty with QNC_OK.
   std::string error;
-  /// The result, XML or JSON; empty unless `code` is QNC_OK.
+  /// The result, XML or JSON; empty unless `code` is QNC_OK, or a choice of gifts that was refused is explained.
   std::string result;
 };
 
@@ -33,8 +33,10 @@ class Till {
   Till& operator=(const Till&) = delete;
 
   /// Runs one mode on the sale of `key`.
+  ///
+  /// @param flags QNC_JSON, QNC_EXPLAIN.
   [[nodiscard]] Answer Calculate(const std::string& key, const std::string& mode, const std::string& saleXml,
-                                 bool asJson) const;
+                                 unsigned flags) const;
 
   /// Forgets the sale of `key`.
   void Forget(const std::string& key) const;

@@ -179,6 +179,12 @@ QNCORVANE_API int qnc_state(qnc_engine* engine, unsigned limit_ms, char** state,
  */
 QNCORVANE_API int qnc_check(const char* folder, unsigned limit_ms, char** report, char** error);
 
+/**
+ * The texts that go with explanations, in English and Chinese: JSON, docs/explanations.md tells its form. A constant, not to
+ * be given back.
+ */
+QNCORVANE_API const char* qnc_texts(void);
+
 #ifdef __cplusplus
 }
 #endif

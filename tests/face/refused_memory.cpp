@@ -86,9 +86,10 @@ int main(int argc, char** argv) {
     qnc_free(error);
     return code;
   };
-  const std::array<Call, 6> calls = {{
+  const std::array<Call, 7> calls = {{
       {"calculate", [&] { return calculate(0); }},
       {"calculate, JSON", [&] { return calculate(QNC_JSON); }},
+      {"calculate, explained", [&] { return calculate(QNC_EXPLAIN); }},
       {"load a rule", [&] { return qnc_load_rule(engine, rule.c_str(), nullptr, 0, 0, nullptr); }},
       {"load a folder",
        [&] {

@@ -46,7 +46,7 @@ def needs(program):
 
 class Whole(unittest.TestCase):
     def test_help_has_what_the_following_tests_look_for(self):
-        self.assertEqual(commands(), ["calc", "init", "check", "help"])
+        self.assertEqual(commands(), ["calc", "explain", "init", "check", "help"])
         self.assertEqual(options(), ["--help", "--version"])
         self.assertEqual(options("calc"),
                          ["--help", "--store", "--mode", "--key", "--out", "--xml", "--json", "--lenient"])
