@@ -93,16 +93,20 @@ for what is wrong with it, and runs sales through the engine.")
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS "libqncorvane1 (= ${debian_version})")
+# The till is the Python package's.
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_RECOMMENDS python3-qncorvane)
 # dpkg-shlibdeps is to find the library that the program needs, and asks no package for it: it stands above.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 
 set(CPACK_DEBIAN_PYTHON_DESCRIPTION "promotion calculation engine of a point of sale - Python 3
 ${about}
 This package has the Python package qncorvane: an engine as a context manager,
-sales and results as data classes, money as Decimal.")
+sales, results and explanations as data classes, money as Decimal. It brings
+the till of 'qncorvane till', whose screen needs python3-prompt-toolkit.")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "python3:any (>= 3.11~), libqncorvane1 (>= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS python3-prompt-toolkit)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
   ${PROJECT_SOURCE_DIR}/packaging/python3-qncorvane/postinst ${PROJECT_SOURCE_DIR}/packaging/python3-qncorvane/prerm)
 

@@ -185,9 +185,14 @@ QString Connection::FileIn(const QString& name) const {
 
 /// The two faces of the engine may be in one process: neither takes the other's names.
 QString Connection::FirstFreeName() const {
-  const QString pattern = m_folder.isEmpty() ? QStringLiteral("MyDBProcessConn%1") : QStringLiteral("QnCorvaneHost%1");
+  const bool isHosts = !m_folder.isEmpty();
+  const QString pattern = isHosts ? QStringLiteral("QnCorvaneHost%1") : QStringLiteral("MyDBProcessConn%1");
+  // The safe face has connections on several threads, and Qt shows none of another thread's but in its list.
+  const auto isTaken = [&](const QString& name) {
+    return isHosts ? QSqlDatabase::contains(name) : QSqlDatabase::database(name, false).isValid();
+  };
   int number = 0;
-  while (QSqlDatabase::database(pattern.arg(number), false).isValid()) ++number;
+  while (isTaken(pattern.arg(number))) ++number;
   return pattern.arg(number);
 }
 

@@ -22,8 +22,8 @@ namespace {
 
 /// Whether the rule runs on this kind of sale, by the sale's `IsCalc` and the rule's `Remark`.
 bool RunsOnSale(const ProInfo& rule, const ProSale& sale) {
-  const bool isDv = Same(rule.Remark, "DVCZK");
-  const bool isNv = Same(rule.Remark, "NVCZK");
+  const bool isDv = Same(rule.Remark, SaleMark::kDv);
+  const bool isNv = Same(rule.Remark, SaleMark::kNv);
   if (Same(sale.IsCalc, "2")) return isNv;
   if (Same(sale.IsCalc, "1")) return isDv;
   if (Same(sale.IsCalc, "0")) return !isDv && !isNv;

@@ -26,6 +26,7 @@
 #include "host/Session.h"
 #include "host/StoreCheck.h"
 #include "host/XmlCheck.h"
+#include "host/lint/Lint.h"
 #include "qncorvane/host.h"
 #include "rule/RuleType.h"
 #include "sale/ProSale.h"
@@ -373,6 +374,21 @@ int qnc_check(const char* folder, unsigned limit_ms, char** report, char** error
       const Finding* const first = FirstError(findings);
       if (first == nullptr) return;
       outcome.Code = first->Code;
+      outcome.Error = first->Text();
+    });
+  });
+}
+
+int qnc_lint(const char* folder, unsigned limit_ms, char** report, char** error) {
+  return Guarded(report, error, [&] {
+    if (IsEmpty(folder)) Fail(QNC_BAD_ARGUMENT, "no folder is named; name the folder of a store");
+    const std::string path = std::filesystem::absolute(folder).lexically_normal().string();
+    return Session::DoAnyway(limit_ms, [=](Outcome& outcome) {
+      const Lint::Flaws flaws = Lint::LookThrough(path);
+      outcome.Result = flaws.Report(path);
+      const Lint::Flaw* const first = flaws.FirstError();
+      if (first == nullptr) return;
+      outcome.Code = first->Answer;
       outcome.Error = first->Text();
     });
   });

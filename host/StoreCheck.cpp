@@ -9,6 +9,7 @@
 #include <QString>
 #include <QStringList>
 #include <map>
+#include <utility>
 
 #include "db/HostDirectory.h"
 #include "db/Kind.h"
@@ -183,7 +184,10 @@ class StoreCheck {
     }
     for (const QString& column : QString::fromLatin1(table.Columns).split(QLatin1Char(','))) {
       if (Answers(database, column, table, reason)) continue;
-      Refuse(Error(table.Name, "the column " + column.toStdString() + " can't be read: " + reason.toStdString(), mend));
+      Finding finding =
+          Error(table.Name, "the column " + column.toStdString() + " can't be read: " + reason.toStdString(), mend);
+      finding.Column = column.toStdString();
+      Refuse(std::move(finding));
     }
   }
 

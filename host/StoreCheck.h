@@ -17,6 +17,7 @@ struct Finding {
   std::string Where;  ///< a file of the folder, or a table
   std::string What;
   std::string Mend;
+  std::string Column{};  ///< of a table's column
 
   /// In one line, as an error's text.
   std::string Text() const { return Where + ": " + What + "; " + Mend; }

@@ -10,19 +10,13 @@
 
 #include "base/Xml.h"
 #include "host/Failure.h"
+#include "host/RuleFields.h"
 #include "host/ValueForm.h"
 #include "rule/RuleType.h"
 
 namespace Corvane::Host {
 
 namespace {
-
-/// An attribute whose value has a form, or that has to be there.
-struct Field {
-  const char* Group;  ///< the group that holds the rows; "" for the document's element, "Rule" for the rule's own
-  const char* Name;
-  ValueForm Form;
-};
 
 constexpr Field kSaleFields[] = {
     {"Plu", "SerialNo", ValueForm::kInteger},       {"Plu", "Price", ValueForm::kNumber},
@@ -45,19 +39,6 @@ constexpr Field kSaleFields[] = {
 
 /// What a line is nothing without.
 constexpr const char* kLineNeeds[] = {"SerialNo", "PluCode", "PluCount", "Total"};
-
-constexpr Field kRuleFields[] = {
-    {"Rule", "JzDate", ValueForm::kMoment},          {"Rule", "MaxYhValue", ValueForm::kNumber},
-    {"ProTime", "StartDate", ValueForm::kDate},      {"ProTime", "EndDate", ValueForm::kDate},
-    {"ProTime", "StartTime", ValueForm::kTime},      {"ProTime", "EndTime", ValueForm::kTime},
-    {"PayMode", "PayMoney", ValueForm::kNumber},     {"ProList", "MaxDiscount", ValueForm::kNumber},
-    {"ProList", "BaseConNum", ValueForm::kNumber},   {"ProList", "BaseDscNum", ValueForm::kNumber},
-    {"ProList", "AddConNum", ValueForm::kNumber},    {"ProList", "AddDscNum", ValueForm::kNumber},
-    {"ProList", "SaleMaxIn", ValueForm::kNumber},    {"ProList", "LimitDay", ValueForm::kInteger},
-    {"ProList", "Denomination", ValueForm::kNumber}, {"ProCtr", "PriceTotal", ValueForm::kNumber},
-    {"PluCondition", "MinNum", ValueForm::kNumber},  {"PluCondition", "MinMoney", ValueForm::kNumber},
-    {"PluAction", "DisPrice", ValueForm::kNumber},   {"PluAction", "DisRate", ValueForm::kNumber},
-};
 
 /// Walks a text with a parser that takes XML for what it is.
 class StrictReader {

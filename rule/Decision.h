@@ -109,7 +109,7 @@ enum class Unit {
   Sale,
   Area,
   Kind,
-  UnitWord,
+  UnitOfTier,
   Words,
 };
 

@@ -42,8 +42,8 @@ bool RowNamesLine(const ProDetailKey& row, const SalePlu& line) {
 
 void SplitRows::Add(const ProDetailKey& row) {
   const bool goods = NamesGoods(row);
-  if (Same(row.Contain, "IN")) (goods ? PluIn : ClassIn).push_back(&row);
-  if (Same(row.Contain, "NOT")) (goods ? PluNot : ClassNot).push_back(&row);
+  if (Same(row.Contain, RangeWord::kIn)) (goods ? PluIn : ClassIn).push_back(&row);
+  if (Same(row.Contain, RangeWord::kNot)) (goods ? PluNot : ClassNot).push_back(&row);
 }
 
 LinePtrs SelectSingleLines(std::vector<SalePlu>& lines) {

@@ -23,7 +23,7 @@ bool LineHasClass(const SalePlu& line, Text classWord, Text code);
 bool RowNamesLine(const ProDetailKey& row, const SalePlu& line);
 
 /// Whether a row of the type "PLU" names goods; a row of any other type names a class.
-inline bool NamesGoods(const ProDetailKey& row) { return Same(row.PluType, "PLU"); }
+inline bool NamesGoods(const ProDetailKey& row) { return Same(row.PluType, GoodsKind::kGoods); }
 
 /// Detail rows by what they name and whether they include it, each list in the order of the rows. A row whose `Contain`
 /// is neither "IN" nor "NOT" is in none.

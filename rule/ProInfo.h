@@ -18,6 +18,12 @@ constexpr Text kMoney = "1";
 constexpr Text kQuantity = "2";
 }  // namespace LimitKind
 
+/// The words of `Remark` that bind a rule to sales with `IsCalc` "1" and "2".
+namespace SaleMark {
+constexpr Text kDv = "DVCZK";
+constexpr Text kNv = "NVCZK";
+}  // namespace SaleMark
+
 /// The header of a rule. All texts are null until the rule's XML has been read.
 struct ProInfo {
   Text BillNo = nullptr;     ///< number of the rule: its identity, and its mark on sale lines

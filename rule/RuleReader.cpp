@@ -125,6 +125,13 @@ constexpr XmlField<CouponDenomination> kDenominationFields[] = {
     {"CouponUnit", DenominationField::KeptText<&CouponDenomination::CouponUnit>},
 };
 
+template <class FieldTable>
+std::vector<Text> NamesIn(const FieldTable& table) {
+  std::vector<Text> names;
+  for (const auto& field : table) names.push_back(field.Name.data());  // literals, each with its end
+  return names;
+}
+
 /// Appends one filter row per child element.
 template <class Row, class FieldTable>
 void ReadFilter(const FieldTable& table, const TiXmlElement& group, Text billNo, std::vector<Row>& rows) {
@@ -172,6 +179,20 @@ void ReadRule(Text xml, ProBase& rule, const OwnGroupReader& readOwnGroup) {
     ReadAttributes(kHeaderFields, element, rule.Info);
     for (const TiXmlElement& group : ChildElements(element)) ReadGroup(group, rule, readOwnGroup);
   }
+}
+
+std::vector<Text> AttributesRead(Text group) {
+  if (Same(group, "Rule")) return NamesIn(kHeaderFields);
+  if (Same(group, "OrgFilter")) return NamesIn(kOrgFields);
+  if (Same(group, "PayMode")) return NamesIn(kPayFields);
+  if (Same(group, "ProTime")) return NamesIn(kTimeFields);
+  if (Same(group, "Vip")) return NamesIn(kVipFields);
+  if (Same(group, "PluCondition")) return NamesIn(kConditionFields);
+  if (Same(group, "PluAction")) return NamesIn(kActionFields);
+  if (Same(group, "PluAddAction")) return NamesIn(kTierFields);
+  if (Same(group, "CouponType")) return NamesIn(kCouponFields);
+  if (Same(group, "CouponDenomination")) return NamesIn(kDenominationFields);
+  return {};
 }
 
 void ReadPluCondition(const TiXmlElement& group, Text billNo, std::vector<PluCondition>& rows) {

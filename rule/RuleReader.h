@@ -20,6 +20,10 @@ using OwnGroupReader = std::function<void(const TiXmlElement& group)>;
 /// parse leaves the rule empty; there are no errors. A text that is no number reads as 0.
 void ReadRule(Text xml, ProBase& rule, const OwnGroupReader& readOwnGroup = nullptr);
 
+/// The attributes that are read of the rows of a group, or of the rule's own element for "Rule"; none for a group that only
+/// some types read.
+std::vector<Text> AttributesRead(Text group);
+
 // Readers of row families. Each child element of the group is one row, appended to `rows`; a row's `Index` is its place
 // in the order of reading, never an attribute. `billNo` is the rule's number.
 

@@ -65,7 +65,7 @@ std::int64_t WeekdayOf(Text date) {
 TimeFit FitOfTime(const ProTime& row, Text date, Text time) {
   if (row.StartDate == nullptr || row.EndDate == nullptr || row.Frequency == nullptr) return TimeFit::Incomplete;
   if (CompareBytes(date, row.StartDate) < 0 || CompareBytes(date, row.EndDate) > 0) return TimeFit::OutsideDates;
-  if (Same(row.Frequency, "WEEK") && !IsOneOfWeekDays(row.WeekDays, date)) return TimeFit::OutsideWeekDays;
+  if (Same(row.Frequency, kWeekly) && !IsOneOfWeekDays(row.WeekDays, date)) return TimeFit::OutsideWeekDays;
   return FitOfHours(row, time);
 }
 

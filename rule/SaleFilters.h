@@ -10,6 +10,9 @@ namespace Corvane {
 
 // The tests of single filter rows.
 
+/// The `Frequency` of a row that holds on some days of the week; with any other text it holds every day.
+constexpr Text kWeekly = "WEEK";
+
 /// How far a day and an hour come through a row: to the first of its demands that they don't meet.
 enum class TimeFit { Incomplete, OutsideDates, OutsideWeekDays, OutsideHours, WithoutEnd, Fits };
 

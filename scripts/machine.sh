@@ -6,8 +6,8 @@
   packages_build=(g++ cmake ninja-build pkg-config qtbase5-dev libqt5sql5-sqlite libtinyxml-dev sqlite3
     libcli11-dev libsqlite3-dev nlohmann-json3-dev)
   packages_test=(libgtest-dev libgmock-dev libsqlite3-dev python3 python3-clang-14 binutils locales
-    python3-pytest python3-hypothesis python3-jsonschema mypy python3-setuptools python3-wheel python3-pip python3-venv
-    man-db groff mandoc zsh fish)
+    python3-pytest python3-hypothesis python3-prompt-toolkit python3-jsonschema mypy python3-setuptools python3-wheel
+    python3-pip python3-venv man-db groff mandoc zsh fish)
   packages_servers=(mariadb-server libqt5sql5-mysql libqt5sql5-odbc unixodbc libsqliteodbc odbc-mdbtools)
   packages_format=(clang-format)
   packages_clang=(clang libclang-rt-14-dev)

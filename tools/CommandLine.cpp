@@ -19,19 +19,20 @@ namespace fs = std::filesystem;
 
 const std::vector<std::string> kModes = {"Single", "All", "Union", "Zh", "MzPromotion", "Gift", "Pay", "Coupon"};
 const std::vector<std::string> kGenerated = {"man", "bash", "zsh", "fish"};
-const std::vector<std::string> kCommands = {"calc", "explain", "init", "check", "help"};
+const std::vector<std::string> kCommands = {"calc", "explain", "init", "check", "lint", "till", "help"};
 
 const TermList kExitCodes{"Exit status",
                           {{"0", "all was done: every step calculated, no error found"},
                            {"1", "a file, a rule, the database or a step failed, or a check found an error"},
                            {"2", "the command line makes no sense"}}};
-const TermList kEnvironment{"Environment",
-                            {{"NO_COLOR", "no colours on a terminal when it is set; elsewhere there are none anyway"},
-                             {"LC_ALL, LC_MESSAGES, LANG", "the language of explanations: Chinese for zh"}}};
+const TermList kEnvironment{
+    "Environment",
+    {{"NO_COLOR", "no colours on a terminal when it is set; elsewhere there are none anyway"},
+     {"LC_ALL, LC_MESSAGES, LANG", "the language of explanations and of the till: Chinese for zh"}}};
 const TermList kFiles{"Files",
                       {{"config.ini", "the store's settings"},
                        {"rules/*.xml", "its rules, one to a file"},
-                       {"goods.xml", "names of goods, for receipts"},
+                       {"goods.xml", "names of goods, for receipts; prices and classes, for the till"},
                        {"QnCorvane.txt", "its log"}}};
 
 [[noreturn]] void RefuseUsage(const std::string& text) {
@@ -83,6 +84,8 @@ struct Values {
   std::int64_t line = 0;
   InitCommand init;
   CheckCommand check;
+  LintCommand lint;
+  TillCommand till;
   GenerateCommand generate;
   std::string helpTopic;
 };
@@ -101,6 +104,8 @@ class Definitions {
     DefineExplain();
     DefineInit();
     DefineCheck();
+    DefineLint();
+    DefineTill();
     DefineHelp();
     DefineGenerate();
   }
@@ -230,6 +235,32 @@ class Definitions {
     check.add_flag("--json", m_values.check.asJson, "print what was found as JSON, alone");
   }
 
+  void DefineLint() {
+    CLI::App& lint = *m_app.add_subcommand("lint", "look through a store's rules and rows for what can't be meant");
+    lint.footer(kLintDetails);
+    LintCommand& values = m_values.lint;
+    CLI::Option* const store =
+        Add(lint.add_option("--store", values.store, "the store's folder"), "DIR", ValueKind::folder);
+    store->required();
+    CLI::Option* const json = lint.add_flag("--json", values.asJson, "print what was found as JSON, alone");
+    lint.add_flag("--fix-hints", values.withMends, "print below each finding what to do")->excludes(json);
+  }
+
+  void DefineTill() {
+    CLI::App& till = *m_app.add_subcommand("till", "try a store by hand, at a till in the terminal");
+    till.footer(kTillDetails);
+    TillCommand& values = m_values.till;
+    Add(till.add_option("--store", values.store, "the store's folder"), "DIR", ValueKind::folder)->required();
+    Add(till.add_option("--lang", values.language, "the language, as for explain"), "LANG", ValueKind::words,
+        Sentences::Languages());
+    Add(till.add_option("--script", values.script,
+                        "run the commands of FILE in place of a screen, and print receipt and reasons after each; - is "
+                        "standard input"),
+        "FILE", ValueKind::file);
+    Add(till.add_option("--key", values.key, "what the keys of the sales begin with (default: till)"), "KEY",
+        ValueKind::text);
+  }
+
   void DefineHelp() {
     CLI::App& help = *m_app.add_subcommand("help", "show what the program or one of its commands does");
     help.footer("");
@@ -313,6 +344,21 @@ class Definitions {
   static constexpr const char* kCheckDetails =
       "Nothing is loaded and nothing changed. The exit code is 0 where no error was found, 1 otherwise.\n"
       "  qncorvane check --store shop";
+  static constexpr const char* kLintDetails =
+      "A finding a line: the place, error or warning, what it is, and its code in brackets. An error keeps a rule from "
+      "giving "
+      "what it says; a warning is something that is rarely meant. All that 'check' finds is among them. Nothing is "
+      "loaded and "
+      "nothing changed. The exit code is 0 where no error was found, 1 otherwise.\n"
+      "Where DIR/goods.xml tells the attributes Price, CAT and BRD of goods, prices and codes are compared with them.\n"
+      "  qncorvane lint --store shop --fix-hints";
+
+  static constexpr const char* kTillDetails =
+      "Goods are those of DIR/goods.xml. The receipt stands beside the reasons: what would have to be added for more, "
+      "which rules gave something, and why the others did not. At the till 'help' tells its commands.\n"
+      "It runs in Python, with Debian's packages python3-qncorvane and, for the screen, python3-prompt-toolkit.\n"
+      "  qncorvane till --store shop\n"
+      "  qncorvane till --store shop --script tries.till";
 
   Values m_values;
   std::map<const CLI::Option*, Kind> m_kinds;
@@ -391,6 +437,16 @@ ExplainCommand FinishExplain(const Values& values, const Definitions& definition
   return command;
 }
 
+TillCommand FinishTill(const Values& values, const Definitions& definitions) {
+  TillCommand command = values.till;
+  if (command.store.empty()) RefuseUsage("--store must not be empty");
+  if (command.key.empty()) RefuseUsage("--key must not be empty");
+  if (definitions.WasGiven("till", "--script") && command.script.empty()) RefuseUsage("--script must not be empty");
+  if (!definitions.WasGiven("till", "--lang")) command.language = LanguageOfEnvironment();
+  RequireLanguage(command.language);
+  return command;
+}
+
 const CommandText& CommandNamed(const ProgramText& text, const std::string& name) {
   for (const CommandText& command : text.commands) {
     if (command.name == name) return command;
@@ -432,6 +488,8 @@ Command ParseCommandLine(const std::vector<std::string>& arguments) {
   if (name == "init" && values.init.folder.empty()) RefuseUsage("DIR must not be empty");
   if (name == "init") return values.init;
   if (name == "check") return values.check;
+  if (name == "lint") return values.lint;
+  if (name == "till") return FinishTill(values, definitions);
   if (name == "generate") return values.generate;
   if (name == "help") return PrintCommand{HelpOn(definitions.Describe(), values.helpTopic)};
   RefuseUsage("no command; the commands are " + Joined(kCommands));

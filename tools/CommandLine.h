@@ -48,6 +48,14 @@ struct CheckCommand {
   bool asJson = false;
 };
 
+/// "lint".
+struct LintCommand {
+  std::filesystem::path store;
+  bool asJson = false;
+  /// Below each finding what to do.
+  bool withMends = false;
+};
+
 /// "explain", checked: every mode is one of the engine's, the first step has a file, the language is one that there is.
 struct ExplainCommand {
   std::filesystem::path store;
@@ -62,6 +70,15 @@ struct ExplainCommand {
   bool isLenient = false;
 };
 
+/// "till", checked: the language is one that there is.
+struct TillCommand {
+  std::filesystem::path store;
+  std::string language;
+  /// "-" is standard input; empty for the screen.
+  std::filesystem::path script;
+  std::string key = "till";
+};
+
 /// "generate": a page or a completion, made from the definitions of the commands.
 struct GenerateCommand {
   std::string kind;
@@ -74,7 +91,8 @@ struct PrintCommand {
   std::string text;
 };
 
-using Command = std::variant<CalcCommand, InitCommand, CheckCommand, ExplainCommand, GenerateCommand, PrintCommand>;
+using Command = std::variant<CalcCommand, InitCommand, CheckCommand, LintCommand, ExplainCommand, TillCommand,
+                             GenerateCommand, PrintCommand>;
 
 /// @param arguments those behind the program's name.
 /// @throws ToolError with the usage exit code when the arguments make no sense.

@@ -12,7 +12,10 @@ namespace Corvane::Tool {
 int RunCalc(const CalcCommand& command);
 int RunInit(const InitCommand& command);
 int RunCheck(const CheckCommand& command);
+int RunLint(const LintCommand& command);
 int RunExplain(const ExplainCommand& command);
+/// Ends in another program: it doesn't come back.
+int RunTill(const TillCommand& command);
 int RunGenerate(const GenerateCommand& command);
 
 /// "calc" for a folder of sales.

@@ -17,7 +17,9 @@ struct Runner {
   int operator()(const CalcCommand& command) const { return RunCalc(command); }
   int operator()(const InitCommand& command) const { return RunInit(command); }
   int operator()(const CheckCommand& command) const { return RunCheck(command); }
+  int operator()(const LintCommand& command) const { return RunLint(command); }
   int operator()(const ExplainCommand& command) const { return RunExplain(command); }
+  int operator()(const TillCommand& command) const { return RunTill(command); }
   int operator()(const GenerateCommand& command) const { return RunGenerate(command); }
   int operator()(const PrintCommand& command) const {
     std::cout << command.text;

@@ -17,6 +17,20 @@ CheckReport ReadCheckReport(const std::string& json) {
   return report;
 }
 
+LintReport ReadLintReport(const std::string& json) {
+  const Json root = Json::parse(json);
+  LintReport report;
+  report.folder = root.value("folder", "");
+  report.errors = root.value("errors", std::size_t{0});
+  report.warnings = root.value("warnings", std::size_t{0});
+  for (const Json& finding : root.at("findings")) {
+    report.findings.push_back({finding.value("severity", "error") != "warning", finding.value("code", ""),
+                               finding.value("file", ""), finding.value("line", 0), finding.value("table", ""),
+                               finding.value("key", ""), finding.value("what", ""), finding.value("mend", "")});
+  }
+  return report;
+}
+
 std::string RefusedRules(const std::string& json) {
   if (json.empty()) return {};
   std::string lines;

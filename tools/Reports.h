@@ -1,6 +1,7 @@
 #ifndef TOOLS_REPORTS_H
 #define TOOLS_REPORTS_H
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,31 @@ struct CheckReport {
 
 /// @param json the library's report of a check. @throws std::exception when it is none.
 CheckReport ReadCheckReport(const std::string& json);
+
+/// One thing that was found in a store's rules.
+struct LintFinding {
+  bool isError = false;
+  std::string code;
+  /// Empty for a row of a table.
+  std::string file;
+  /// 0 for none.
+  int line = 0;
+  std::string table;
+  std::string key;
+  std::string what;
+  std::string mend;
+};
+
+/// What was found in a store and its rules.
+struct LintReport {
+  std::string folder;
+  std::size_t errors = 0;
+  std::size_t warnings = 0;
+  std::vector<LintFinding> findings;
+};
+
+/// @param json the library's report of a look through the rules. @throws std::exception when it is none.
+LintReport ReadLintReport(const std::string& json);
 
 /// @param json the library's report of loaded rules; may be empty.
 /// @return what was refused, a line each.

@@ -270,7 +270,8 @@ std::string SaleXml(const StoreTemplate& store) {
 std::string GoodsXml() {
   std::string xml = kDeclaration + std::string("<Goods>\n");
   for (const Article& article : kGoods) {
-    xml += "  <Row PluCode=\"" + std::to_string(article.code) + "\" Name=\"" + article.name + "\"/>\n";
+    xml += "  <Row PluCode=\"" + std::to_string(article.code) + "\" Name=\"" + article.name + "\" Price=\"" +
+           Money(article.cents) + "\" CAT=\"" + article.category + "\"/>\n";
   }
   return xml + "</Goods>\n";
 }

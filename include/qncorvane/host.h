@@ -180,6 +180,20 @@ QNCORVANE_API int qnc_state(qnc_engine* engine, unsigned limit_ms, char** state,
 QNCORVANE_API int qnc_check(const char* folder, unsigned limit_ms, char** report, char** error);
 
 /**
+ * Looks through a store's rules: header, filters, rows of their tables and how they go together, and all that qnc_check finds.
+ * Loads and changes nothing. May be called with and without an open engine, for its folder or another.
+ *
+ * @param report out: JSON, also where something is found; docs/lint.md tells each finding:
+ *               {"folder": "/shop", "errors": 1, "warnings": 0, "findings": [
+ *                 {"severity": "error", "code": "unknown-price-kind", "file": "rules/R01.xml", "line": 3, "table":
+ *                  "tProPrjDirectProAct", "key": "BillNo=R01 SerialNo=2", "billNo": "R01", "what": "DscType 'PCR' is no kind of
+ *                  price", "mend": "write PRC"}]}
+ *               `line` is 0 and `file`, `table`, `key`, `billNo` are "" where a finding has none.
+ * @return QNC_OK when there is no error; QNC_BAD_STORE, or the code of a refused rule, otherwise.
+ */
+QNCORVANE_API int qnc_lint(const char* folder, unsigned limit_ms, char** report, char** error);
+
+/**
  * The texts that go with explanations, in English and Chinese: JSON, docs/explanations.md tells its form. A constant, not to
  * be given back.
  */

@@ -17,13 +17,6 @@ namespace Corvane {
 
 namespace {
 
-/// The kinds of price; any other text sets none.
-namespace FixedPrice {
-constexpr Text kPerArticle = "DP";
-constexpr Text kPerCombination = "TC";
-constexpr Text kAll = "DP, TC";
-}  // namespace FixedPrice
-
 using PriceColumn = FromColumn<CombFixedPrice>;
 constexpr RowField<CombFixedPrice> kPriceColumns[] = {
     {"PriceType", PriceColumn::KeptText<&CombFixedPrice::PriceType>},

@@ -14,6 +14,13 @@
 
 namespace Corvane {
 
+/// The kinds of price of a combination; any other text sets none.
+namespace FixedPrice {
+constexpr Text kPerArticle = "DP";
+constexpr Text kPerCombination = "TC";
+constexpr Text kAll = "DP, TC";
+}  // namespace FixedPrice
+
 /// The price of the combination, from `tProPrjCombProAct`.
 struct CombFixedPrice {
   Text PriceType = nullptr;  ///< "DP" or "TC"

@@ -33,14 +33,6 @@ constexpr RowField<CombFreeActRow> kTierColumns[] = {
     {"PriceTotal", TierColumn::Double<&CombFreeActRow::PriceTotal>},
 };
 
-/// The kinds of price that a tier sets; with any other text the pieces are taken and nothing is given.
-namespace TierPrice {
-constexpr Text kSetPrice = "DP";    ///< one set costs this
-constexpr Text kPercentOff = "TC";  ///< so many percent off
-constexpr Text kSetDiscount = "2";  ///< one set costs this much less
-constexpr Text kAll = "DP, TC, 2";
-}  // namespace TierPrice
-
 /// Fewer pieces than this are none.
 constexpr double kNoPieces = 0.001;
 
@@ -113,7 +105,7 @@ CombPool ProCombFree::GetSaleAccordCombFree(const RuleRun& run, const LinePtrs& 
 void ProCombFree::AddToPool(const RuleRun& run, CombPool& pool, SalePlu& line) const {
   for (const CombFreePluRow& row : LastToFirst(m_pluRows)) {
     const bool byGoods = NamesGoods(row);
-    if (!byGoods && !Same(row.PluType, "CAT")) continue;
+    if (!byGoods && !Same(row.PluType, GoodsKind::kCategory)) continue;
     Log(LogText::kFreeRowType, row.PluType);
     if (!JoinsThrough(row, line)) continue;
     const double open = run.OpenCount(line);

@@ -16,6 +16,14 @@ namespace Corvane {
 /// Goods or a category of the pool, from `tProPrjCombPluSet`.
 using CombFreePluRow = ProDetailKey;
 
+/// The kinds of price that a tier sets; with any other text the pieces are taken and nothing is given.
+namespace TierPrice {
+constexpr Text kSetPrice = "DP";    ///< one set costs this
+constexpr Text kPercentOff = "TC";  ///< so many percent off
+constexpr Text kSetDiscount = "2";  ///< one set costs this much less
+constexpr Text kAll = "DP, TC, 2";
+}  // namespace TierPrice
+
 /// A tier, from `tProPrjCombProAct`.
 struct CombFreeActRow : ProDetailKey {
   Text PriceType = nullptr;  ///< "DP", "TC" or "2"

@@ -77,8 +77,8 @@ const PluCondition& DirectDetail::ConditionOf(const ProDetailKey& head) const {
 }
 
 bool MatchClassRow(const ProDetailKey& row, const SalePlu& line) {
-  if (Same(row.PluType, "CAT")) return Same(line.CAT, row.PluCode);
-  if (Same(row.PluType, "BRD")) return Same(line.BRD, row.PluCode);
+  if (Same(row.PluType, GoodsKind::kCategory)) return Same(line.CAT, row.PluCode);
+  if (Same(row.PluType, GoodsKind::kBrand)) return Same(line.BRD, row.PluCode);
   return false;
 }
 

@@ -92,28 +92,28 @@ void ProMzCoupon::CalcList(RuleRun& run, ProMzList& list) const {
     if (amount == 0) return;
   }
   Log(LogText::kCouponAmount, FormatF6(amount));
-  const double sum = SumOfTiers(run, list, amount, list.IsOfWholeSale() ? nullptr : &chosen.Lines);
+  const double sum = SumOfTiers(list, amount, &run, list.IsOfWholeSale() ? nullptr : &chosen.Lines);
   if (sum <= 0) return;
   const std::optional<double> value = GiveCoupons(run, list, sum);
   if (value) run.RecordOnSale({0, *value}, Member::Untold);
 }
 
-/// The coupon value that an amount earns over the tiers of a list.
-double ProMzCoupon::SumOfTiers(const RuleRun& run, const ProMzList& list, double amount, const LinePtrs* lines) {
+double ProMzCoupon::SumOfTiers(const ProMzList& list, double amount, const RuleRun* run, const LinePtrs* lines) {
   double remainder = amount;
   double sum = 0;
   for (const PluAddAction& tier : list.Tiers) {
     if (remainder < tier.BaseConNum) {
-      NoteBelow(run, list.Tiers, tier, Unit::Money, remainder, lines);
+      if (run != nullptr) NoteBelow(*run, list.Tiers, tier, Unit::Money, remainder, lines);
       continue;
     }
     sum += tier.BaseDscNum;
     Log(LogText::kCouponSum, FormatF6(sum));
     // Unlike in the reduction, a tier may always leave less than nothing.
     const double left = GiveFurtherSteps(tier, remainder, list.MaxDiscount, sum);
-    NoteNextStep(run, list.Tiers, tier, remainder, list.MaxDiscount, sum, lines);
+    if (run != nullptr) NoteNextStep(*run, list.Tiers, tier, remainder, list.MaxDiscount, sum, lines);
     remainder = left;
-    if (sum <= 0) run.Note(Reason::GivesNothing).Tier(&tier - list.Tiers.data()).Has(Unit::Money, 0.0);
+    if (sum <= 0 && run != nullptr)
+      run->Note(Reason::GivesNothing).Tier(&tier - list.Tiers.data()).Has(Unit::Money, 0.0);
   }
   return sum;
 }

@@ -28,13 +28,19 @@ class ProMzCoupon : public ProBase {
 
   void CalcRule(RuleRun& run);
 
+  /// The coupon value that an amount earns over the tiers of a list.
+  /// @param list  its tiers stand by falling threshold.
+  /// @param run   is told of the tiers that are not reached; null where there is none.
+  /// @param lines those that bring the amount; null for the whole sale.
+  static double SumOfTiers(const ProMzList& list, double amount, const RuleRun* run = nullptr,
+                           const LinePtrs* lines = nullptr);
+
  protected:
   std::vector<ProMzList> m_lists;  ///< lists, for the life of the rule
 
  private:
   void ReadList(const TiXmlElement& group);
   void CalcList(RuleRun& run, ProMzList& list) const;
-  static double SumOfTiers(const RuleRun& run, const ProMzList& list, double amount, const LinePtrs* lines);
   std::optional<double> GiveCoupons(const RuleRun& run, const ProMzList& list, double amount) const;
   SaleCoupon MakeCoupon(ProSale& sale, const CouponType& header, double value) const;
 };

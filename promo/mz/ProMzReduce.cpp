@@ -102,7 +102,7 @@ void ProMzReduce::ReduceWholeSale(RuleRun& run, const ProMzList& list) {
     amount += open;
     if (!(open > 0)) run.NoteNoMoneyOpen(line);
   }
-  const double sum = SumOfTiers(run, list, amount, nullptr);
+  const double sum = SumOfTiers(list, amount, &run);
   if (!(sum > 0)) return;
 
   // This spreading leaves the lines' amounts to this type: each falls by what the rule's row on it gained, the rounding
@@ -117,27 +117,27 @@ void ProMzReduce::ReduceWholeSale(RuleRun& run, const ProMzList& list) {
 void ProMzReduce::ReduceChosenLines(RuleRun& run, const ProMzList& list) {
   const RuleLines chosen = SelectRuleLines(run, SplitRows(list.Conditions));
   if (chosen.Money == 0) return;
-  const double sum = SumOfTiers(run, list, chosen.Money, &chosen.Lines);
+  const double sum = SumOfTiers(list, chosen.Money, &run, &chosen.Lines);
   SpreadOptions options;
   options.Price = list.Price();
   if (sum > 0) SpreadOverLinePtrs(run, chosen.Lines, sum, chosen.Money, options);
 }
 
-/// What an amount brings over the tiers of a list.
-double ProMzReduce::SumOfTiers(const RuleRun& run, const ProMzList& list, double amount, const LinePtrs* lines) {
+double ProMzReduce::SumOfTiers(const ProMzList& list, double amount, const RuleRun* run, const LinePtrs* lines) {
   double remainder = amount;
   double sum = 0;
   for (const PluAddAction& tier : list.Tiers) {
     if (remainder < tier.BaseConNum) {
-      NoteBelow(run, list.Tiers, tier, Unit::Money, remainder, lines);
+      if (run != nullptr) NoteBelow(*run, list.Tiers, tier, Unit::Money, remainder, lines);
       continue;
     }
     sum += tier.BaseDscNum;
     const double left = GiveFurtherSteps(tier, remainder, list.MaxDiscount, sum);
-    NoteNextStep(run, list.Tiers, tier, remainder, list.MaxDiscount, sum, lines);
+    if (run != nullptr) NoteNextStep(*run, list.Tiers, tier, remainder, list.MaxDiscount, sum, lines);
     // A tier that repeats its threshold leaves nothing at least; with a step of its own it may leave less than nothing.
     remainder = tier.AddConNum == 0 ? std::max(left, 0.0) : left;
-    if (sum <= 0) run.Note(Reason::GivesNothing).Tier(&tier - list.Tiers.data()).Has(Unit::Money, 0.0);
+    if (sum <= 0 && run != nullptr)
+      run->Note(Reason::GivesNothing).Tier(&tier - list.Tiers.data()).Has(Unit::Money, 0.0);
   }
   return sum;
 }

@@ -25,12 +25,18 @@ class ProMzReduce : public ProBase {
   /// A failure of the database leaves the sale untouched and is told in the log.
   void CalcRule(RuleRun& run);
 
+  /// What an amount brings over the tiers of a list.
+  /// @param list  its tiers stand by falling threshold.
+  /// @param run   is told of the tiers that are not reached; null where there is none.
+  /// @param lines those that bring the amount; null for the whole sale.
+  static double SumOfTiers(const ProMzList& list, double amount, const RuleRun* run = nullptr,
+                           const LinePtrs* lines = nullptr);
+
  private:
   bool LoadRuleDetail(ProSale& sale, QString& error);
   static void CalcList(RuleRun& run, ProMzList& list);
   static void ReduceWholeSale(RuleRun& run, const ProMzList& list);
   static void ReduceChosenLines(RuleRun& run, const ProMzList& list);
-  static double SumOfTiers(const RuleRun& run, const ProMzList& list, double amount, const LinePtrs* lines);
 
   std::vector<ProMzList> m_lists;  ///< lists, read anew for each sale
   QnPosDBPro m_db;

@@ -25,8 +25,8 @@ double AddUpTo(double limit, std::int64_t count, RepeatedSum sum) {
 void LogTooManyRepeats(Text billNo) { Log(LogText::kTooManyRepeats, billNo); }
 
 TierUnit UnitOf(Text word) {
-  if (Same(word, TierWord::kMoney)) return TierUnit::Money;
-  return Same(word, TierWord::kQuantity) ? TierUnit::Quantity : TierUnit::Unknown;
+  if (Same(word, UnitWord::kMoney)) return TierUnit::Money;
+  return Same(word, UnitWord::kQuantity) ? TierUnit::Quantity : TierUnit::Unknown;
 }
 
 namespace {
@@ -65,8 +65,8 @@ void NoteUnknownUnit(const RuleRun& run, const std::vector<PluAddAction>& tiers,
   run.Note(Reason::UnknownUnit)
       .Row(tier.SerialNo)
       .Tier(&tier - tiers.data())
-      .Has(Unit::UnitWord, isCounted ? tier.BaseConTp : tier.BaseDscTp)
-      .Needs(TierWord::kAll);
+      .Has(Unit::UnitOfTier, isCounted ? tier.BaseConTp : tier.BaseDscTp)
+      .Needs(UnitWord::kAll);
 }
 
 void SortTiersDown(std::vector<PluAddAction>& tiers) {

@@ -18,14 +18,14 @@ namespace Corvane {
 /// The unit of a threshold or a gift.
 enum class TierUnit { Money, Quantity, Unknown };
 
-/// The words for them; any other is an unknown unit.
-namespace TierWord {
+/// The words for units in tables and rules.
+namespace UnitWord {
 constexpr Text kMoney = "SUM";
 constexpr Text kQuantity = "NUM";
 constexpr Text kAll = "SUM, NUM";
-}  // namespace TierWord
+}  // namespace UnitWord
 
-/// @param word one of TierWord.
+/// @param word one of UnitWord; any other is no unit.
 TierUnit UnitOf(Text word);
 
 /// Logs that a list of the rule would never come to an end and gives nothing.

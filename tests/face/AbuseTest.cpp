@@ -57,6 +57,8 @@ TEST(Abuse, NullTextsAndPlacesAreAnswered) {
   EXPECT_EQ(qnc_state(engine.Get(), 0, nullptr, nullptr), QNC_BAD_ARGUMENT);
   EXPECT_EQ(qnc_check(nullptr, 0, nullptr, nullptr), QNC_BAD_ARGUMENT);
   EXPECT_EQ(qnc_check(store.Path().c_str(), 0, nullptr, nullptr), QNC_OK);
+  EXPECT_EQ(qnc_lint(nullptr, 0, nullptr, nullptr), QNC_BAD_ARGUMENT);
+  EXPECT_EQ(qnc_lint(store.Path().c_str(), 0, nullptr, nullptr), QNC_OK);
   qnc_free(nullptr);
 }
 

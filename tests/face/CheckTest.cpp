@@ -221,8 +221,10 @@ TEST(Checking, DoesNotDisturbAnEngineThatIsOpen) {
   const OpenEngine engine(store.Path());
   ASSERT_EQ(engine.LoadRules().Code, QNC_OK);
   const std::string before = engine.Calculate("1", "All", Sample("sales/basket.xml")).Text;
+  const std::string state = engine.State().Text;
   EXPECT_EQ(Check(other.Path()).Code, QNC_OK);
   EXPECT_EQ(Check(store.Path()).Code, QNC_OK);
+  EXPECT_EQ(engine.State().Text, state);  // the database still open, for one
   other.Remove("store.db");
   EXPECT_EQ(Check(other.Path()).Code, QNC_BAD_STORE);
   EXPECT_EQ(engine.Calculate("1", "All", Sample("sales/basket.xml")).Text, before);

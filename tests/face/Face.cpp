@@ -139,6 +139,13 @@ Told Check(const std::string& folder, unsigned limit) {
   return Taken(code, report, error);
 }
 
+Told Lint(const std::string& folder, unsigned limit) {
+  char* report = nullptr;
+  char* error = nullptr;
+  const int code = qnc_lint(folder.c_str(), limit, &report, &error);
+  return Taken(code, report, error);
+}
+
 std::string Sample(const std::string& name) { return ReadFile(fs::path(QNCORVANE_SOURCE_DIR) / "samples" / name); }
 
 std::string RuleXml(const std::string& number, const std::string& type) {

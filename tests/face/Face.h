@@ -62,6 +62,7 @@ class OpenEngine {
 /// Opens and closes at once; the error is that of the opening.
 Told TryOpening(const std::string& folder);
 Told Check(const std::string& folder, unsigned limit = 0);
+Told Lint(const std::string& folder, unsigned limit = 0);
 
 /// A file of samples/.
 std::string Sample(const std::string& name);

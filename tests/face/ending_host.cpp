@@ -32,7 +32,8 @@ struct CallsAtTheVeryEnd {
     qnc_engine* engine = nullptr;
     const bool isRefused = Calculate() == QNC_CLOSED && qnc_close(g_engine, nullptr) == QNC_CLOSED &&
                            qnc_open("/", &engine, nullptr) == QNC_CLOSED &&
-                           qnc_check("/", 0, nullptr, nullptr) == QNC_CLOSED;
+                           qnc_check("/", 0, nullptr, nullptr) == QNC_CLOSED &&
+                           qnc_lint("/", 0, nullptr, nullptr) == QNC_CLOSED;
     if (!isRefused) std::_Exit(3);
   }
 };

@@ -1,5 +1,5 @@
 // Refuses memory to each call of the safe face, at the first request, at the second and so on, on whatever thread it comes:
-// the call says so, and the same call works afterwards. Opening and checking a store are left out: Qt's settings don't survive
+// the call says so, and the same call works afterwards. Opening, checking and linting a store are left out: Qt's settings don't survive
 // every refusal.
 //
 // refused_memory --every N    one request of so many

@@ -37,7 +37,7 @@ def commands():
 
 
 def options(*arguments):
-    return re.findall(r"(?m)^  (?:-\w, )?(--[a-z]+)", told(*arguments, "--help"))
+    return re.findall(r"(?m)^  (?:-\w, )?(--[a-z-]+)", told(*arguments, "--help"))
 
 
 def needs(program):
@@ -46,7 +46,7 @@ def needs(program):
 
 class Whole(unittest.TestCase):
     def test_help_has_what_the_following_tests_look_for(self):
-        self.assertEqual(commands(), ["calc", "explain", "init", "check", "help"])
+        self.assertEqual(commands(), ["calc", "explain", "init", "check", "lint", "till", "help"])
         self.assertEqual(options(), ["--help", "--version"])
         self.assertEqual(options("calc"),
                          ["--help", "--store", "--mode", "--key", "--out", "--xml", "--json", "--lenient"])
@@ -124,6 +124,7 @@ class Completion(unittest.TestCase):
             ("qncorvane calc --mode=Coup", "--mode=Coupon "),
             ("qncorvane calc --store cor", "corner-shop/"),
             ("qncorvane check --store=cor", "corner-shop/"),
+            ("qncorvane lint --fix", "--fix-hints "),
             ("qncorvane calc --store corner-shop --mode All corner-sa", "corner-sale.xml "),
             ("qncorvane init --type ZHG", "ZHGD "),
             ("qncorvane help che", "check "),

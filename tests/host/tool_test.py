@@ -102,7 +102,7 @@ class Tool(unittest.TestCase):
 
     def test_help_tells_every_command_and_fits_a_terminal(self):
         told = self.run_tool("--help").stdout
-        for command in ("calc", "explain", "init", "check", "help"):
+        for command in ("calc", "explain", "init", "check", "lint", "till", "help"):
             self.assertRegex(told, rf"(?m)^  {command} +\w")
             lines = self.run_tool("help", command).stdout.splitlines()
             too_long = [line for line in lines if len(line) > 80 and not line.startswith("  qncorvane ")]
@@ -124,8 +124,8 @@ class Tool(unittest.TestCase):
     # What it refuses: the command line
 
     def test_command_line_that_makes_no_sense(self):
-        self.assert_refused(self.run_tool(), 2, "no command; the commands are calc, explain, init, check, help")
-        self.assert_refused(self.run_tool("sell"), 2, "unknown command 'sell'; the commands are calc, explain, init, check, help")
+        self.assert_refused(self.run_tool(), 2, "no command; the commands are calc, explain, init, check, lint, till, help")
+        self.assert_refused(self.run_tool("sell"), 2, "unknown command 'sell'; the commands are calc, explain, init, check, lint, till,")
         self.assert_refused(self.run_tool("help", "sell"), 2, "unknown command 'sell'")
         self.assert_refused(self.run_tool("--"), 2, "no command")
         self.assert_refused(self.run_tool("calc", "--mode", "All", BASKET), 2, "--store is required")
@@ -147,7 +147,7 @@ class Tool(unittest.TestCase):
             self.assert_refused(self.calc("--mode", mode, BASKET), 2, "unknown mode", "Single, All, Union, Zh, MzPromotion")
 
     def test_files_may_be_called_as_commands_are(self):
-        for name in ("init", "check", "help"):
+        for name in ("init", "check", "lint", "help"):
             shutil.copy(BASKET, self.folder / name)
             self.assertIn("To pay", self.calc("--mode", "All", name).stdout)
 

@@ -147,6 +147,8 @@ use_python() {
   say "Python"
   install -m 644 "$here/host.py" "$root/home/till/host.py"
   expect_line "$(as_user python3 host.py shop shop/sale.xml)" "$version: 12.50, to pay 10.49"
+  expect_line "$(as_user qncorvane till --store shop --script - <<<'3 x cola')" \
+    "  1 Cola 0.5 l                                                3 x 1.50      4.50"
 }
 
 use_c() {

@@ -13,7 +13,8 @@ PACKAGE = pathlib.Path(__file__).resolve().parents[1]
 TOOLS = {
     "pytest": ({"pytest": "python3-pytest", "hypothesis": "python3-hypothesis"},
                ["-q", "-p", "no:cacheprovider", str(PACKAGE / "tests")]),
-    "mypy": ({"mypy": "mypy", "pytest": "python3-pytest", "hypothesis": "python3-hypothesis"},
+    "mypy": ({"mypy": "mypy", "pytest": "python3-pytest", "hypothesis": "python3-hypothesis",
+              "prompt_toolkit": "python3-prompt-toolkit"},
              ["--config-file", "pyproject.toml", "--cache-dir", os.devnull, "src", "tests"]),
 }
 

@@ -56,10 +56,14 @@ def site(installed: pathlib.Path) -> pathlib.Path:
     return folder
 
 
+def files(folder: pathlib.Path) -> set[str]:
+    """The files below a folder, but for what the interpreter makes of them."""
+    return {str(path.relative_to(folder)) for path in folder.rglob("*") if path.is_file() and path.parent.name != "__pycache__"}
+
+
 def test_all_files_are_there(installed: pathlib.Path) -> None:
-    files = {path.name for path in (PACKAGE / "src" / "qncorvane").iterdir() if path.is_file()}
-    assert "py.typed" in files
-    assert {path.name for path in (site(installed) / "qncorvane").iterdir() if path.is_file()} == files
+    assert {"py.typed", "till/words.json"} <= files(PACKAGE / "src" / "qncorvane")
+    assert files(site(installed) / "qncorvane") == files(PACKAGE / "src" / "qncorvane")
 
 
 def test_the_version_is_the_projects(installed: pathlib.Path) -> None:
@@ -68,9 +72,10 @@ def test_the_version_is_the_projects(installed: pathlib.Path) -> None:
     assert (site(installed) / f"qncorvane-{version[1]}.dist-info").is_dir()
 
 
-def test_it_asks_for_no_other_package(installed: pathlib.Path) -> None:
+def test_only_the_till_s_screen_asks_for_another_package(installed: pathlib.Path) -> None:
     (metadata,) = site(installed).glob("qncorvane-*.dist-info/METADATA")
-    assert "Requires-Dist" not in metadata.read_text("utf-8")
+    wanted = re.findall(r"^Requires-Dist: ([\w-]+).*; (.*)$", metadata.read_text("utf-8"), re.MULTILINE)
+    assert [(name.replace("-", "_"), when.replace("'", '"')) for name, when in wanted] == [("prompt_toolkit", 'extra == "till"')]
 
 
 def test_it_calculates(installed: pathlib.Path, tmp_path: pathlib.Path) -> None:

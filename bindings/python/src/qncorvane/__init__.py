@@ -13,16 +13,22 @@ The engine itself is the library libqncorvane-host.so.1, which the dynamic linke
 QNCORVANE_HOST_LIBRARY names another file.
 """
 
-from ._engine import Engine, check, version
+from ._engine import Engine, check, lint, version
 from ._errors import (AlreadyOpen, BadArgument, BadStore, BadValue, BadXml, Closed, Code, LibraryMissing, NoMemory,
                       NumberOverflow, QncError, Refused, TimedOut, TotalOverflow, Unreadable)
-from ._reports import CheckReport, Database, Finding, LoadReport, RuleFile, State
+from ._explanation import (Addition, Decision, Explained, Explanation, Gain, LineMoney, LineWaterfall, NearMiss, Outcome, Pass,
+                           PassKind, Reason, RuleName, RuleOutcomes, Step, StepKind, Unit, What)
+from ._reports import CheckReport, Database, Finding, LintFinding, LintReport, LoadReport, RuleFile, State
 from ._result import Apportion, Discount, HeldCoupon, Result, ResultLine, RuleTotal, Totals
 from ._sale import Coupon, Gift, Line, Member, Mode, Offer, OfferedArticle, Payment, Sale
+from ._sentences import Sentences, texts
 
 __all__ = [
-    "AlreadyOpen", "Apportion", "BadArgument", "BadStore", "BadValue", "BadXml", "CheckReport", "Closed", "Code", "Coupon",
-    "Database", "Discount", "Engine", "Finding", "Gift", "HeldCoupon", "LibraryMissing", "Line", "LoadReport", "Member", "Mode",
-    "NoMemory", "NumberOverflow", "Offer", "OfferedArticle", "Payment", "QncError", "Refused", "Result", "ResultLine",
-    "RuleFile", "RuleTotal", "Sale", "State", "TimedOut", "TotalOverflow", "Totals", "Unreadable", "check", "version",
+    "Addition", "AlreadyOpen", "Apportion", "BadArgument", "BadStore", "BadValue", "BadXml", "CheckReport", "Closed",
+    "Code", "Coupon", "Database", "Decision", "Discount", "Engine", "Explained", "Explanation", "Finding", "Gain", "Gift",
+    "HeldCoupon", "LibraryMissing", "Line", "LineMoney", "LineWaterfall", "LintFinding", "LintReport", "LoadReport",
+    "Member", "Mode", "NearMiss", "NoMemory", "NumberOverflow", "Offer", "OfferedArticle", "Outcome", "Pass", "PassKind",
+    "Payment", "QncError", "Reason", "Refused", "Result", "ResultLine", "RuleFile", "RuleName", "RuleOutcomes",
+    "RuleTotal", "Sale", "Sentences", "State", "Step", "StepKind", "TimedOut", "TotalOverflow", "Totals", "Unit",
+    "Unreadable", "What", "check", "lint", "texts", "version",
 ]

@@ -9,8 +9,9 @@ from types import TracebackType
 
 from . import _library
 from ._errors import Code, error_of
-from ._library import call, milliseconds, path_bytes, utf8
-from ._reports import CheckReport, LoadReport, State
+from ._explanation import Explained, Explanation
+from ._library import Answer, call, milliseconds, path_bytes, utf8
+from ._reports import CheckReport, LintReport, LoadReport, State
 from ._result import Result
 from ._sale import Mode, Sale
 
@@ -127,18 +128,35 @@ class Engine:
             Refused: the engine could not calculate.
             ValueError: `sale` has a value that XML can't hold (`Sale.to_xml`).
         """
-        return Result.from_json(self._calculated(key, mode, sale, _flags(lenient) | _library.JSON, time_limit))
+        return Result.from_json(self._calculated(key, mode, sale, _flags(lenient) | _library.JSON, time_limit).said())
+
+    def explain(self, key: str, mode: Mode | str, sale: Sale | str = Sale(), *, lenient: bool = False,
+                time_limit: float | None = None) -> Explained:
+        """As `calculate`, and tells why: for every rule what it gave or why it gave nothing, and what would bring more.
+
+        The sale is changed as `calculate` changes it.
+
+        Raises:
+            TotalOverflow, NumberOverflow: as of `calculate`; the error's `explanation` tells why.
+            ValueError: the explanation is of a later version of the library than this package knows.
+        """
+        answer = self._calculated(key, mode, sale, _flags(lenient) | _library.JSON | _library.EXPLAIN, time_limit)
+        if answer.code != 0:
+            error = error_of(answer.code, answer.error)
+            error.explanation = Explanation.from_json(answer.text) if answer.text else None
+            raise error
+        return Explained.from_json(answer.said())
 
     def calculate_xml(self, key: str, mode: Mode | str, sale: Sale | str = Sale(), *, lenient: bool = False,
                       time_limit: float | None = None) -> str:
         """As `calculate`, with the result as XML."""
-        return self._calculated(key, mode, sale, _flags(lenient), time_limit)
+        return self._calculated(key, mode, sale, _flags(lenient), time_limit).said()
 
-    def _calculated(self, key: str, mode: Mode | str, sale: Sale | str, flags: int, time_limit: float | None) -> str:
+    def _calculated(self, key: str, mode: Mode | str, sale: Sale | str, flags: int, time_limit: float | None) -> Answer:
         xml = sale.to_xml() if isinstance(sale, Sale) else sale
         word = mode.value if isinstance(mode, Mode) else mode
         return call("qnc_calculate", self._handle, utf8("key", key), utf8("mode", word), utf8("sale", xml), flags,
-                    milliseconds(time_limit), gives_text=True).said()
+                    milliseconds(time_limit), gives_text=True)
 
     def forget(self, key: str, *, time_limit: float | None = None) -> None:
         """Forgets a sale and gives its memory back; an unknown key is no error. Sales don't end by themselves."""
@@ -169,6 +187,20 @@ def check(folder: Folder, *, time_limit: float | None = None) -> CheckReport:
     """
     answer = call("qnc_check", path_bytes(folder), milliseconds(time_limit), gives_text=True)
     return CheckReport.from_json(answer.text if answer.text else answer.said())
+
+
+def lint(folder: Folder, *, time_limit: float | None = None) -> LintReport:
+    """Looks through a store's rules and how they go together, and at all that `check` looks at.
+
+    Nothing is loaded and nothing changed. An engine may be open, on this folder or another.
+
+    Returns:
+        What was found; a store with errors is no exception, see `LintReport.errors`.
+    Raises:
+        QncError: there could be no look, e.g. TimedOut.
+    """
+    answer = call("qnc_lint", path_bytes(folder), milliseconds(time_limit), gives_text=True)
+    return LintReport.from_json(answer.text if answer.text else answer.said())
 
 
 def version() -> str:

@@ -6,6 +6,7 @@ import enum
 from typing import TYPE_CHECKING
 
 if TYPE_CHECKING:
+    from ._explanation import Explanation
     from ._reports import LoadReport
 
 
@@ -39,12 +40,15 @@ class QncError(Exception):
     """The engine's text."""
     report: LoadReport | None
     """What became of each file, where `Engine.load_rules` was refused; None of all other calls."""
+    explanation: Explanation | None
+    """Why a choice of gifts was refused, where `Engine.explain` was called; None of all other calls."""
 
     def __init__(self, code: int, text: str) -> None:
         super().__init__(code, text)
         self.code = code
         self.text = text
         self.report = None
+        self.explanation = None
 
     def __str__(self) -> str:
         return self.text

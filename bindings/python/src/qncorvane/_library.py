@@ -15,6 +15,7 @@ VARIABLE = "QNCORVANE_HOST_LIBRARY"
 LENIENT = 1
 JSON = 2
 REPLACE = 4
+EXPLAIN = 8
 
 _TEXT = ctypes.c_char_p
 _OUT = ctypes.POINTER(ctypes.c_void_p)
@@ -33,6 +34,7 @@ _CALLS: dict[str, list[type]] = {
     "qnc_forget_sales": [_ENGINE, _UNSIGNED, _OUT],
     "qnc_state": [_ENGINE, _UNSIGNED, _OUT, _OUT],
     "qnc_check": [_TEXT, _UNSIGNED, _OUT, _OUT],
+    "qnc_lint": [_TEXT, _UNSIGNED, _OUT, _OUT],
 }
 
 _lock = threading.Lock()
@@ -64,6 +66,8 @@ def _load() -> ctypes.CDLL:
             call.restype = ctypes.c_int
         loaded.qnc_version.argtypes = []
         loaded.qnc_version.restype = ctypes.c_char_p
+        loaded.qnc_texts.argtypes = []
+        loaded.qnc_texts.restype = ctypes.c_char_p
         loaded.qnc_free.argtypes = [ctypes.c_void_p]
         loaded.qnc_free.restype = None
     except (OSError, AttributeError) as error:
@@ -168,3 +172,9 @@ def version() -> str:
     """The version of the library that is used, e.g. "1.2.0"."""
     constant = library().qnc_version()
     return str(constant.decode("ascii"))
+
+
+def texts() -> str:
+    """The texts that go with explanations, as JSON."""
+    constant = library().qnc_texts()
+    return str(constant.decode("utf-8"))

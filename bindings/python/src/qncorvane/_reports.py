@@ -131,3 +131,57 @@ class CheckReport:
         findings = tuple(Finding(severity=finding["severity"], where=finding["where"], what=finding["what"],
                                  mend=finding.get("mend", "")) for finding in report["findings"])
         return CheckReport(folder=report["folder"], ok=report["ok"], findings=findings)
+
+
+@dataclasses.dataclass(frozen=True, slots=True, kw_only=True)
+class LintFinding:
+    """Something about a store's rules that is wrong, or that hardly is what was meant.
+
+    Attributes:
+        severity: "error" or "warning".
+        code: the kind of finding, such as "unknown-price-kind".
+        file: the file, or "".
+        line: its line; 0 for none.
+        table: the table, or "".
+        key: the row of the table, such as "BillNo=R01 SerialNo=2", or "".
+        bill_no: the rule, or "".
+        what: what is wrong.
+        mend: what to do.
+    """
+
+    severity: str
+    code: str
+    file: str
+    line: int
+    table: str
+    key: str
+    bill_no: str
+    what: str
+    mend: str
+
+
+@dataclasses.dataclass(frozen=True, slots=True, kw_only=True)
+class LintReport:
+    """What a look through a store's rules has found.
+
+    Attributes:
+        folder: the folder.
+        errors: how many errors.
+        warnings: how many warnings.
+        findings: what was found.
+    """
+
+    folder: str
+    errors: int
+    warnings: int
+    findings: Sequence[LintFinding]
+
+    @staticmethod
+    def from_json(text: str) -> LintReport:
+        """Reads the report that the engine makes."""
+        report = json.loads(text)
+        findings = tuple(LintFinding(
+            severity=finding["severity"], code=finding["code"], file=finding["file"], line=finding["line"],
+            table=finding["table"], key=finding["key"], bill_no=finding["billNo"], what=finding["what"],
+            mend=finding["mend"]) for finding in report["findings"])
+        return LintReport(folder=report["folder"], errors=report["errors"], warnings=report["warnings"], findings=findings)
