@@ -137,6 +137,19 @@ const RuleOutcome* OwnOutcome(const ExplainedRule& rule) {
   return own;
 }
 
+/// Whether an article is of a slot that nothing fills: of the one that ends the menu, if there is such a one.
+bool IsOfOpenSlot(const RuleOutcome& outcome, const Decision& article) {
+  const auto isSlot = [](const Decision& decision) {
+    return decision.Why == Reason::SlotShort && decision.Goods.empty() && !decision.Slot.empty();
+  };
+  const auto& decisions = outcome.Decisions;
+  const bool isEnded = std::any_of(decisions.begin(), decisions.end(),
+                                   [&](const Decision& decision) { return isSlot(decision) && decision.IsFinal; });
+  return std::any_of(decisions.begin(), decisions.end(), [&](const Decision& decision) {
+    return isSlot(decision) && decision.Slot == article.Slot && (decision.IsFinal || !isEnded);
+  });
+}
+
 /// What a rule is nearest to; nothing where no addition helps.
 const Decision* NearestOf(const ExplainedRule& rule) {
   const RuleOutcome* const outcome = OwnOutcome(rule);
@@ -144,6 +157,7 @@ const Decision* NearestOf(const ExplainedRule& rule) {
   const Decision* nearest = nullptr;
   for (const Decision& decision : outcome->Decisions) {
     if (!CanBeAdded(decision)) continue;
+    if (decision.Why == Reason::SlotShort && !IsOfOpenSlot(*outcome, decision)) continue;
     if (nearest == nullptr || MissesLess(decision, *nearest)) nearest = &decision;
   }
   return nearest;

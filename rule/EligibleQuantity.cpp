@@ -129,14 +129,16 @@ void TellTakers(const SalePlu& line, const ProInfo& rule, Text proType, Telling&
 
 void TellNoMoneyOpen(const SalePlu& line, Text primary, Text proType, RuleOutcome* outcome) {
   if (outcome == nullptr) return;
-  if (!(line.Total > 0)) {
+  const bool isEmpty = !(line.Total > 0);
+  if (isEmpty && line.ProResults.empty()) {
     Note(outcome, Reason::EmptyLine).On(line).Has(Unit::Money, line.Total);
     return;
   }
+  // Of an amount that came down to nothing every rule has its part, whether or not its rows count as used.
   Note(outcome, Reason::NothingOpen)
       .On(line)
       .Has(Unit::Money, GetLineLeftTotal(line, primary, proType))
-      .TakenBy(line, [&](const ProResult& row) { return CountsAsUsedMoney(row, primary, proType); });
+      .TakenBy(line, [&](const ProResult& row) { return isEmpty || CountsAsUsedMoney(row, primary, proType); });
 }
 
 double GetRuleLeftCount(Text billNo, double limit, const std::vector<SalePlu>& lines) {

@@ -74,7 +74,7 @@ enum qnc_flags {
   QNC_EXPLAIN = 8  /**< qnc_calculate: JSON that tells why, too; see docs/explanations.md */
 };
 
-/** @return the version, e.g. "1.2.0". A constant, not to be given back. */
+/** @return the version, e.g. "1.3.0". A constant, not to be given back. */
 QNCORVANE_API const char* qnc_version(void);
 
 /** Gives a text back. Null is left alone. */
@@ -161,7 +161,7 @@ QNCORVANE_API int qnc_forget_sales(qnc_engine* engine, unsigned limit_ms, char**
 /**
  * Tells the engine's state.
  *
- * @param state out: JSON, {"version": "1.2.0", "folder": "/shop", "state": "Free", "rules": ["R01", "R02"], "sales": 3,
+ * @param state out: JSON, {"version": "1.3.0", "folder": "/shop", "state": "Free", "rules": ["R01", "R02"], "sales": 3,
  *              "database": {"kind": "SQLITE", "open": true}}; rules in the order of calculation.
  */
 QNCORVANE_API int qnc_state(qnc_engine* engine, unsigned limit_ms, char** state, char** error);

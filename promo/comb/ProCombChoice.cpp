@@ -161,8 +161,12 @@ std::int32_t ProCombChoice::GetSlotSets(const RuleRun& run, const CombChoiceSlot
     }
   }
   const std::int32_t sets = TruncToInt32(sum);
-  if (sets == 0 && slot.Kind() == SlotKind::Mandatory) {
-    run.Refuse(Reason::SlotShort).Slot(slot.ProActCode).Has(Unit::Count, sum).Needs(1);
+  if (sets == 0) {
+    const bool isNeeded = slot.Kind() == SlotKind::Mandatory;
+    (isNeeded ? run.Refuse(Reason::SlotShort) : run.Note(Reason::SlotShort))
+        .Slot(slot.ProActCode)
+        .Has(Unit::Count, sum)
+        .Needs(1);
   }
   return sets;
 }

@@ -204,5 +204,5 @@ def lint(folder: Folder, *, time_limit: float | None = None) -> LintReport:
 
 
 def version() -> str:
-    """The version of the library libqncorvane-host, e.g. "1.2.0"."""
+    """The version of the library libqncorvane-host, e.g. "1.3.0"."""
     return _library.version()

@@ -169,7 +169,7 @@ def open_engine(folder: bytes) -> ctypes.c_void_p:
 
 
 def version() -> str:
-    """The version of the library that is used, e.g. "1.2.0"."""
+    """The version of the library that is used, e.g. "1.3.0"."""
     constant = library().qnc_version()
     return str(constant.decode("ascii"))
 
