@@ -195,10 +195,14 @@ std::int32_t RunGift(const Calculation& calculation) {
   ProSale& sale = calculation.Sale;
   double used = 0;
   ToldWalk told(calculation, "Gift");
+  std::int32_t answer = GiftAnswer::kFits;
   for (const RulePtr& rule : Promotion::Instance().Rules()) {
-    const std::int32_t answer = CheckGiftChoice(sale, InfoOf(*rule).BillNo, used, told.Next());
-    if (answer != GiftAnswer::kFits) return RefuseGiftChoice(answer, calculation.Msg);
+    const std::int32_t own = CheckGiftChoice(sale, InfoOf(*rule).BillNo, used, told.Next());
+    if (answer == GiftAnswer::kFits) answer = own;
+    // The first choice that doesn't fit decides; what becomes of the others interests who asks for each rule.
+    if (answer != GiftAnswer::kFits && calculation.Asked == nullptr) break;
   }
+  if (answer != GiftAnswer::kFits) return RefuseGiftChoice(answer, calculation.Msg);
   for (const RulePtr& rule : Promotion::Instance().Rules()) SetGiftLeft(sale, InfoOf(*rule).BillNo, used);
   return WriteResult(calculation);
 }

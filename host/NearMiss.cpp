@@ -12,6 +12,7 @@
 #include "engine/Promotion.h"
 #include "host/Cents.h"
 #include "log/LogSilence.h"
+#include "promo/AnyRule.h"
 
 namespace Corvane::Host {
 
@@ -255,11 +256,14 @@ class Trial {
 
   std::optional<Addition> AddGoods(const Decision& decision) {
     SalePlu* const line = CheapestFor(decision);
-    if (line == nullptr) return decision.Goods.empty() ? std::nullopt : AddLine(decision);
+    if (line == nullptr) return decision.Goods.empty() ? std::nullopt : AddToOwnLine(decision);
     const double pieces = PiecesFor(decision, UnitOf(*line));
     if (!(pieces > 0) || pieces > kMostPieces) return std::nullopt;
     AddPieces(*line, pieces);
-    return Addition{Addition::Thing::kGoods, OrEmpty(line->PluCode), line->SerialNo, pieces, UnitOf(*line)};
+    // A line that an addition before this one made is none of the sale's.
+    const bool isAdded = static_cast<std::size_t>(line->Index) >= m_before.Plus.size();
+    return Addition{Addition::Thing::kGoods, OrEmpty(line->PluCode), isAdded ? 0 : line->SerialNo, pieces,
+                    UnitOf(*line)};
   }
 
   /// Of the lines that a decision is about, the one whose further pieces cost least.
@@ -287,6 +291,18 @@ class Trial {
     return isMoney ? std::ceil(Quotient(missing, unit) - kNoise) : 1;
   }
 
+  /// Adds to the line that an addition before this one made of the goods, or makes one.
+  std::optional<Addition> AddToOwnLine(const Decision& decision) {
+    const auto begin = m_start.Plus.begin() + static_cast<std::ptrdiff_t>(m_before.Plus.size());
+    const auto own = std::find_if(begin, m_start.Plus.end(),
+                                  [&](const SalePlu& line) { return decision.Goods == OrEmpty(line.PluCode); });
+    if (own == m_start.Plus.end()) return AddLine(decision);
+    const double pieces = PiecesFor(decision, own->Price);
+    if (pieces > kMostPieces) return std::nullopt;
+    AddPieces(*own, pieces);
+    return Addition{Addition::Thing::kGoods, decision.Goods, 0, pieces, own->Price};
+  }
+
   std::optional<Addition> AddLine(const Decision& decision) {
     if (m_start.Plus.empty()) return std::nullopt;
     const std::optional<Article> article = m_goods.Find(decision.Goods);
@@ -298,7 +314,7 @@ class Trial {
                       std::nullopt};
     }
     SalePlu line;
-    line.SerialNo = m_start.Plus.back().SerialNo + 1;
+    line.SerialNo = FreeSerialNo();
     line.Index = static_cast<std::int32_t>(m_start.Plus.size());
     line.BillNo = m_start.BillNo;
     line.PluCode = m_start.Texts.Keep(decision.Goods);
@@ -311,6 +327,14 @@ class Trial {
     AddPieces(line, pieces);
     m_start.Plus.push_back(line);
     return Addition{Addition::Thing::kGoods, decision.Goods, 0, pieces, article->Price};
+  }
+
+  /// A number that no line of the sale has.
+  std::int32_t FreeSerialNo() const {
+    std::int32_t number = 1;
+    const auto isTaken = [&](const SalePlu& line) { return line.SerialNo == number; };
+    while (std::any_of(m_start.Plus.begin(), m_start.Plus.end(), isTaken)) ++number;
+    return number;
   }
 
   void AddClass(Text& field, Text word, const std::string& code, SalePlu& line) {
@@ -333,6 +357,26 @@ class Trial {
 
 // --- The search ------------------------------------------------------------------------------------------------------
 
+/// Keeps the rows that rules hold for the modes to come, whatever is calculated in the life of this object.
+class RowsKept {
+ public:
+  RowsKept() {
+    for (const RulePtr& rule : Promotion::Instance().Rules()) {
+      if (const auto* const limit = std::get_if<ProDirectLimit>(rule.get())) {
+        m_held.emplace_back(rule, limit->HeldRows());
+      }
+    }
+  }
+  RowsKept(const RowsKept&) = delete;
+  RowsKept& operator=(const RowsKept&) = delete;
+  ~RowsKept() {
+    for (auto& [rule, rows] : m_held) std::get_if<ProDirectLimit>(rule.get())->PutBack(std::move(rows));
+  }
+
+ private:
+  std::vector<std::pair<RulePtr, DirectDetail>> m_held;
+};
+
 /// Tries additions on one sale.
 class Search {
  public:
@@ -348,8 +392,6 @@ class Search {
       if (nearest == nullptr || m_calculations >= kMostCalculations) continue;
       if (std::optional<NearMiss> near = Try(rule.Rule, *nearest)) found.push_back(std::move(*near));
     }
-    // The rules' rows are those of the sale again, for the modes that work with them.
-    if (!found.empty()) IsRepeatable();
     return found;
   }
 
@@ -383,7 +425,9 @@ class Search {
       Explanation asked;
       Calculate(trial, changed, &asked);
       if (GivesMore(changed, m_sale, InfoOf(*rule).BillNo)) {
-        if (added->What == Addition::Thing::kCoupon) near.Add.back().Count = TakenIn(changed);
+        for (Addition& addition : near.Add) {
+          if (addition.What == Addition::Thing::kCoupon) addition.Count = TakenIn(changed);
+        }
         near.Brings = GainOf(changed, m_sale, InfoOf(*rule).BillNo);
         return near;
       }
@@ -432,7 +476,8 @@ bool CanBeTried(const Mode& mode, const ProSale& before) {
 NearMisses FindNearMisses(const std::string& mode, const Explanation& told, const ProSale& sale, GoodsList& goods) {
   const Mode* const known = FindMode(mode.c_str());
   if (known == nullptr || !CanBeTried(*known, told.Before())) return {};
-  const LogSilence kept;
+  const LogSilence silence;
+  const RowsKept kept;
   const DatabaseCall call(Promotion::Instance().Database().Shared());
   return Search(*known, told, sale, goods).Find();
 }

@@ -129,16 +129,20 @@ void TellTakers(const SalePlu& line, const ProInfo& rule, Text proType, Telling&
 
 void TellNoMoneyOpen(const SalePlu& line, Text primary, Text proType, RuleOutcome* outcome) {
   if (outcome == nullptr) return;
-  const bool isEmpty = !(line.Total > 0);
-  if (isEmpty && line.ProResults.empty()) {
-    Note(outcome, Reason::EmptyLine).On(line).Has(Unit::Money, line.Total);
+  if (!(line.Total > 0)) {
+    // All of its money may be given away: then it is those who gave it that the rule lacks it by.
+    const auto hasGiven = [](const ProResult& row) { return row.DisMoney > 0; };
+    const bool isGivenAway = line.PluCount > 0 && std::any_of(line.ProResults.begin(), line.ProResults.end(), hasGiven);
+    Note(outcome, isGivenAway ? Reason::NothingOpen : Reason::EmptyLine)
+        .On(line)
+        .Has(Unit::Money, line.Total)
+        .TakenBy(line, hasGiven);
     return;
   }
-  // Of an amount that came down to nothing every rule has its part, whether or not its rows count as used.
   Note(outcome, Reason::NothingOpen)
       .On(line)
       .Has(Unit::Money, GetLineLeftTotal(line, primary, proType))
-      .TakenBy(line, [&](const ProResult& row) { return isEmpty || CountsAsUsedMoney(row, primary, proType); });
+      .TakenBy(line, [&](const ProResult& row) { return CountsAsUsedMoney(row, primary, proType); });
 }
 
 double GetRuleLeftCount(Text billNo, double limit, const std::vector<SalePlu>& lines) {

@@ -133,12 +133,15 @@ bool ProBase::MeetsPayment(const ProSale& sale, RuleOutcome* outcome) const {
 
 /// A payment that fits but for its amount is nearer than none.
 void ProBase::TellPayment(const ProSale& sale, RuleOutcome* outcome) const {
+  bool isPaidSo = false;
   for (const ProPayMode& row : PayModes) {
     for (const SalePay& pay : sale.Pays) {
       if (!Same(row.PayMode, pay.PayMode)) continue;
       Refuse(outcome, Reason::PaymentTooSmall).Has(Unit::Money, pay.PayMoney).Needs(row.PayMoney);
+      isPaidSo = true;
     }
   }
+  if (isPaidSo) return;
   const auto modeOf = [](const ProPayMode& row) { return OrEmpty(row.PayMode); };
   Refuse(outcome, Reason::PaymentMissing).HasEach(Unit::Payment, sale.Pays, modeOf).NeedsEach(PayModes, modeOf);
 }

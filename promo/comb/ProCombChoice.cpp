@@ -143,6 +143,7 @@ std::int32_t ProCombChoice::GetChoiceSets(const RuleRun& run, LinePtrs& matched)
 std::int32_t ProCombChoice::GetSlotSets(const RuleRun& run, const CombChoiceSlot& slot, const LinePtrs& candidates,
                                         LinePtrs& matched) const {
   double sum = 0;
+  if (slot.Rows.empty()) run.Note(Reason::NoRows).Slot(slot.ProActCode);
   for (const CombChoiceRow& row : LastToFirst(slot.Rows)) {
     if (!IsSetSize(row.SaleCount)) {
       // The rows have no number of their own: slot and article tell which one it is.

@@ -170,7 +170,8 @@ bool ProCombFree::DiscountByTiers(RuleRun& run, const CombPool& pool) {
   return anySet;
 }
 
-/// Tiers go from the smallest to the largest, and are told by their place from the largest.
+/// Tiers go from the smallest to the largest, and are told by their place from the largest. A set takes whole pieces: one
+/// of 2.5 is full with 2.
 void ProCombFree::NoteBelowSet(const RuleRun& run, const CombFreeActRow& tier, const CombPool& pool,
                                double available) const {
   if (run.Told() == nullptr) return;
@@ -179,7 +180,7 @@ void ProCombFree::NoteBelowSet(const RuleRun& run, const CombFreeActRow& tier, c
       .Row(tier.SerialNo)
       .Tier(&m_tiers.back() - &tier)
       .Has(Unit::Quantity, available)
-      .Needs(tier.SaleCount);
+      .Needs(TruncToInt32(tier.SaleCount));
   run.TellTakersOf(pool.Lines, telling);
 }
 

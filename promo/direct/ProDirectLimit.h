@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "db/QnPosDBPro.h"
@@ -48,6 +49,10 @@ class ProDirectLimit : public ProBase {
   /// One line of the sale. Works with the detail rows that the last calculation of a whole sale read, and tests no base
   /// conditions: a rule that has not yet calculated a whole sale gives nothing.
   void CalcRuleOnLine(RuleRun& run, SalePlu& line) const;
+
+  /// The detail rows that CalcRuleOnLine works with, for whoever calculates to try something out and puts them back.
+  const DirectDetail& HeldRows() const { return m_detail; }
+  void PutBack(DirectDetail&& rows) noexcept { m_detail = std::move(rows); }
 
  private:
   void DiscountLine(RuleRun& run, const SplitRows& rows, EarlierCounts& earlier, SalePlu& line) const;

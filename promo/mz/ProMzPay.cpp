@@ -66,6 +66,16 @@ void NoteNotPaid(const RuleRun& run, const PluAction& step, std::ptrdiff_t place
       .Needs(step.DisPrice);
 }
 
+/// Notes what keeps a reduction from growing: the rule's limit, or the money of the goods.
+void NoteLimit(const RuleRun& run, double given, double ruleLimit, double goodsMoney) {
+  if (given == 0) run.Note(Reason::GivesNothing).Has(Unit::Money, given);
+  if (given > ruleLimit) {
+    run.Note(Reason::LimitedByMoney).Has(Unit::Money, given).Needs(ruleLimit);
+  } else if (given > goodsMoney) {
+    run.Note(Reason::NothingOpen).On(run.Lines()).Has(Unit::Money, goodsMoney);
+  }
+}
+
 }  // namespace
 
 void ProMzPay::InitRule(Text xml) {
@@ -100,10 +110,7 @@ void ProMzPay::CalcRule(RuleRun& run) {
   });
   // A payment above what can still be discounted counts only as far as that.
   const Reduction reduction = WalkSteps(run, std::min(PaySum(run), OpenMoney(run)), goods->Money);
-  if (reduction.Given == 0) {
-    if (reduction.Used != 0) run.Note(Reason::GivesNothing).Has(Unit::Money, 0.0);
-    return;
-  }
+  if (reduction.Given == 0) return;
   const double wholePay = reduction.Left + reduction.Used;
   run.RecordOnSale({wholePay - reduction.Given, reduction.Given, wholePay, reduction.Used}, Member::Told);
   SpreadPayReduction(run, reduction.Given, reduction.Used);
@@ -125,13 +132,16 @@ double ProMzPay::PaySum(const RuleRun& run) const {
 
 /// A payment that fits but for its card is nearer than none.
 void ProMzPay::TellNotPaid(const RuleRun& run) const {
+  bool isPaidSo = false;
   for (const SalePay& pay : run.Sale().Pays) {
     if (!Same(pay.PayMode, m_control.PayType)) continue;
     run.Refuse(Reason::CardOutside)
         .Has(Unit::Card, pay.PayCardNo)
         .NeedsEach(m_cardRanges,
                    [](const CardNoFilter& range) { return Join(range.BgnCardNo, "..", range.EndCardNo); });
+    isPaidSo = true;
   }
+  if (isPaidSo) return;
   run.Refuse(Reason::PaymentMissing)
       .HasEach(Unit::Payment, run.Sale().Pays, [](const SalePay& pay) { return OrEmpty(pay.PayMode); })
       .Needs(m_control.PayType);
@@ -149,7 +159,7 @@ ProMzPay::Reduction ProMzPay::WalkSteps(const RuleRun& run, double paySum, doubl
     while (!(step.DisPrice > taken.Left)) {
       const Reduction next = TakeStep(taken, step.DisPrice, gain, limit);
       if (next.Given >= limit) {
-        run.Note(Reason::LimitedByMoney).Has(Unit::Money, next.Given).Needs(limit);
+        if (run.Told() != nullptr) NoteLimit(run, next.Given, m_control.PriceTotal, goodsMoney);
         return {limit, next.Used, next.Left};
       }
       // A step that takes no payment and brings no gain would stand next for ever.
@@ -167,6 +177,7 @@ ProMzPay::Reduction ProMzPay::WalkSteps(const RuleRun& run, double paySum, doubl
       taken = next;
     }
   }
+  if (taken.Given == 0 && taken.Used != 0) run.Note(Reason::GivesNothing).Has(Unit::Money, 0.0);
   return taken;
 }
 

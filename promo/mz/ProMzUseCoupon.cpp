@@ -23,6 +23,7 @@ double PresentedValue(const ProSale& sale) {
 void ProMzUseCoupon::CalcRule(RuleRun& run) {
   if (!run.MayActOnSale()) return;
   if (m_lists.empty()) run.Refuse(Reason::NoRows);
+  if (run.Lines().empty()) run.Refuse(Reason::NoLines);
   for (ProMzList& list : m_lists) CalcList(run, list);
 }
 
