@@ -174,10 +174,11 @@ const ExplainedRule* FindRule(const Explanation& told, const RulePtr& rule) {
 
 double UnitOf(const SalePlu& line) { return line.Price > 0 ? line.Price : Quotient(line.Total, line.PluCount); }
 
+/// The amount is one of whole cents, as a till would send it.
 void AddPieces(SalePlu& line, double pieces) {
   const double money = pieces * UnitOf(line);
   line.PluCount += pieces;
-  line.Total += money;
+  line.Total = RoundMoney(line.Total + money);
   line.TotalBefore = line.Total;
   line.FinalPrice = Quotient(line.Total, line.PluCount);
 }

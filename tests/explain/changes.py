@@ -146,6 +146,13 @@ class Work:
                                 Total=round(price * count, 2), PackCnt=1, CAT="", BRD="",
                                 SaleDate=first.get("SaleDate"), SaleTime=first.get("SaleTime"))
 
+    def add_subtotal(self, goods):
+        """A subtotal of another sale in front of the last call, with its line, but of these goods."""
+        root = copy.deepcopy(self.last)
+        root.find("Plu/Row").set("PluCode", goods)
+        text = ElementTree.tostring(root, encoding="unicode")
+        self.till["calls"].insert(-1, ["CalcPromotion", "another sale", "All", text])
+
     def add_pieces(self, number, pieces):
         for row in self.lines(number):
             count = float(row.get("PluCount")) + pieces
@@ -194,12 +201,7 @@ def not_prepared(work, _):
     rows = [row for row in work.rows(DIRECT) if row["PluType"] == "PLU"]
     if not rows:
         raise Unchangeable("no row names goods")
-    last = work.till["calls"][-1]
-    root = copy.deepcopy(work.text(last))
-    line = root.find("Plu/Row")
-    line.set("PluCode", rows[0]["PluCode"])
-    text = ElementTree.tostring(root, encoding="unicode")
-    work.till["calls"].insert(-1, ["CalcPromotion", "another sale", "All", text])
+    work.add_subtotal(rows[0]["PluCode"])
     for name in ("ProTime", "OrgFilter", "Vip", "PayMode"):
         for found in work.rule.findall(name):
             work.rule.remove(found)
@@ -229,7 +231,7 @@ def choice_too_dear(work, off):
     if len([one for one in work.last.findall("ProGifts/ProGift") if one.get("ProBillNo") == work.number]) > 1:
         raise Unchangeable("several offers")
     have = work.because["have"]
-    more = have - work.because["need"] + (0 if have == round(have, 2) else 0.0001)
+    more = have - work.because["need"] + 0.0001  # what is chosen costs a quotient's multiple
     # Two things may be too dear: what was chosen before, and the article itself.
     work.measured = True
     offer.set("Total", repr(float(offer.get("Total")) + more - off))
@@ -438,6 +440,8 @@ def not_named(work, _):
     goods, kind = work.lines(number)[-1].get("PluCode"), work.case.kind
     if kind in ("PTXS", "PTPL", "PTOS"):
         work.add_row(DIRECT, **direct_row(goods))
+        if work.case.mode == "Single":
+            work.add_subtotal(goods)  # a single line works with the rows that a subtotal has read
     elif kind in ("ZHZY", "ZHTJ"):
         work.add_row(SET, **set_row(goods))
     elif kind == "MZDP":
@@ -511,12 +515,13 @@ def row_limit(work, _):
 
 def unusable_row(work, off):
     kind = work.case.kind
-    if kind == "ZHZX":
-        row = work.row(SET, ProActCode=work.because["slot"], PluCode=work.because["goods"],
-                       SaleCount=work.because["have"])
+    if kind == "ZHZX":  # its rows have no number
+        rows = work.rows(SET, ProActCode=work.because["slot"], PluCode=work.because["goods"],
+                         SaleCount=work.because["have"])
     else:
-        row = work.row({"PTOS": DIRECT, "ZHZY": SLOTS, "ZHGD": SET}[kind], SerialNo=work.because["row"])
-    row["SaleCount"] = work.because["need"] - off
+        rows = work.rows({"PTOS": DIRECT, "ZHZY": SLOTS, "ZHGD": SET}[kind], SerialNo=work.because["row"])
+    for row in rows:
+        row["SaleCount"] = work.because["need"] - off
 
 
 def goods_missing(work, off):
@@ -540,6 +545,7 @@ def below_minimum(work, off):
     if work.because["have"] > 0:
         lower_row(work, DIRECT, "SaleCount", off)
     else:
+        work.row(DIRECT, SerialNo=work.because["row"])["SaleCount"] = 1
         drop_takers(work, off)
 
 
@@ -551,9 +557,10 @@ def below_set(work, off):
         # A tier that is lowered may change places with another.
         work.deciding = True
     elif work.because["takenBy"]:
+        work.row(DIRECT if work.case.kind == "PTOS" else SLOTS, SerialNo=work.because["row"])["SaleCount"] = 1
         drop_takers(work, off)
     elif work.because["lines"]:
-        work.add_pieces(work.because["lines"][0], math.ceil(work.because["need"]))
+        work.add_pieces(work.because["lines"][0], math.ceil(work.because["need"] - work.because["have"]))
     else:
         work.add_line(work.because["goods"], math.ceil(work.because["need"]))
 
@@ -562,6 +569,7 @@ def article_short(work, off):
     if work.because["have"] >= 1:
         lower_row(work, SET, "SaleCount", off)
     elif work.because["takenBy"]:
+        work.row(SET, SerialNo=work.because["row"])["SaleCount"] = 1
         drop_takers(work, off)
     else:
         work.add_line(work.because["goods"], math.ceil(work.because["need"]))
@@ -569,6 +577,8 @@ def article_short(work, off):
 
 def slot_short(work, off):
     slot, goods = work.because["slot"], work.because["goods"]
+    # Once the menus are full, the goods that are left over are short of another.
+    work.deciding = True
     if work.because["takenBy"]:
         drop_takers(work, off)
         return
@@ -577,14 +587,17 @@ def slot_short(work, off):
     if not slot:
         work.add_pieces(work.because["lines"][0], 1)
     elif rows:
-        work.add_line(rows[0]["PluCode"], math.ceil(rows[0]["SaleCount"]))
+        # Lines that were returned count against it.
+        work.add_line(rows[0]["PluCode"], math.ceil(rows[0]["SaleCount"] * max(1, 1 - work.because["have"])))
     else:
         work.add_row(SET, **set_row(goods_of(work), ProActCode=slot))
-        work.add_line(goods_of(work), 1)
+        work.add_line(goods_of(work), math.ceil(max(1, 1 - work.because["have"])))
 
 
 def asked_for(work, off):
-    """What a demand becomes: what there is."""
+    """What a demand becomes: what there is. One of nothing asks for nothing."""
+    if off and reached(work.because["have"]) + off <= 0:
+        raise Unchangeable("nothing is there")
     return reached(work.because["have"]) + off
 
 
@@ -627,6 +640,9 @@ def card_outside(work, _):
 def no_coupons(work, _):
     for group in work.last.findall("Coupon"):
         work.last.remove(group)
+    # The first rule that takes coupons takes them all.
+    work.drop_rules([rule["billNo"] for rule in work.case.told["rules"] if rule["type"] in COUPONS and
+                     rule["billNo"] != work.number])
     work.add_to_sale("Coupon", BillNo="K1", CouponTypeCode="C5", CouponValue="5")
 
 
@@ -685,6 +701,11 @@ def below_threshold(work, off):
 
 def nothing_above(work, _):
     """Lower thresholds leave something above them."""
+    if work.because["takenBy"]:
+        drop_takers(work, None)
+        return
+    if not work.because["lines"]:
+        raise Unchangeable("nothing of the goods is there")
     for tiers in tier_lists(work):
         for tier in tiers:
             if str(tier.row["SerialNo"]) == str(work.because["row"]):
@@ -811,6 +832,8 @@ def gives_nothing(work, _):
         return
     if work.case.kind in ("MZZM", "MZDP") and any(line["count"] <= 0 for line in work.case.told["lines"]):
         raise Unchangeable("goods that are counted on an empty line have no price")
+    if not work.because["lines"] and not work.because["tier"] and work.case.kind != "MZZF":
+        raise Unchangeable("what it would be spread over comes to nothing")
     for tiers in tier_lists(work):
         for tier in tiers:
             if work.case.kind == "MZZF":

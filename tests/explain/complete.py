@@ -17,7 +17,7 @@ from facts import Broken, PASSES, sent_amounts
 from form import checker
 
 # One explanation in so many goes through the library for schemas, too, which takes its time.
-SAMPLE = 97
+SAMPLE = 197
 
 
 class Sales:
@@ -234,6 +234,9 @@ class Check:
         check_steps(told)
         check_sent(told, amounts)
         if "sale" in answer.data:
+            lacking = {"Plu", "ProResult"} - answer.data["sale"].keys()
+            if lacking:
+                raise Broken("the result lacks groups", f"{lacking}")
             check_rows(told, answer.data["sale"], answer.data["totals"])
             check_given(told, answer.data["sale"], held, answer.call[1])
 

@@ -30,12 +30,16 @@ def cases_of(till, answers):
         if answer.explanation is None:
             continue
         for rule in answer.explanation["rules"]:
-            met = set()
+            met, has_given = set(), False
             for outcome in rule["outcomes"]:
-                # What a "DZ" rule lacks in its own pass it lacks in the pass of all again; changed, it takes it in the first.
-                if outcome["because"] and outcome["because"]["reason"] not in met:
-                    met.add(outcome["because"]["reason"])
+                because = outcome["because"]
+                # What a "DZ" rule lacks in its own pass it lacks in the pass of all again; changed, it takes it in the
+                # first. And what it lacks behind a pass in which it gave something, it mostly took itself.
+                is_new = because and because["reason"] not in met
+                if is_new and (not has_given or because["takenBy"] or because["reason"] == "AlreadyOnLine"):
                     yield Case({**till, "calls": sent[:place + 1]}, answer, rule, outcome)
+                has_given = has_given or because is None
+                met.add(because and because["reason"])
 
 
 def outcomes_of(work, answer):
@@ -52,21 +56,27 @@ def outcomes_of(work, answer):
 
 
 def is_there(work, outcome):
-    """Whether the reason still stands where it stood."""
-    because = work.because
+    """Whether the reason still stands where it stood. A rule that gives something now is refused by nothing any more."""
+    because, now = work.because, outcome["because"]
+    if now is None:
+        return False
+    names = ("slot", "goods", "row") if work.deciding else ("slot", "goods", "row", "tier", "unit")
+    if work.line is not None:
+        names = ("row",)
+    if work.measured:
+        names += ("have",)
 
     def is_same(decision):
-        if decision is None or decision["reason"] != because["reason"]:
-            return False
-        if work.line is not None:
-            return work.line in decision["lines"]
-        names = ("slot", "goods", "row", "tier", "unit") + (("have",) if work.measured else ())
-        return all(decision[name] == because[name] for name in names)
+        return decision["reason"] == because["reason"] and (work.line is None or work.line in decision["lines"]) and \
+            all(decision[name] == because[name] for name in names)
 
-    if work.deciding:
-        now = outcome["because"]
-        return now is not None and now["reason"] == because["reason"] and (work.line is None or work.line in now["lines"])
-    return any(is_same(decision) for decision in [*outcome["looked"], outcome["because"]])
+    return is_same(now) if work.deciding else any(is_same(decision) for decision in [*outcome["looked"], now])
+
+
+def has_taken_itself(work, outcome):
+    """Whether the rule lacks now what it took itself, in a pass before."""
+    others = [taker["billNo"] for taker in work.because["takenBy"] if taker["billNo"] != work.number]
+    return bool(others) and work.case.primary == "DZ" and [taker["billNo"] for taker in outcome["because"]["takenBy"]] == [work.number]
 
 
 class Trials:
@@ -89,18 +99,17 @@ class Trials:
             work.drop_rules(takers)
             outcomes = self.outcomes(work)
         for outcome in outcomes:
-            if is_there(work, outcome):
+            if is_there(work, outcome) and not has_taken_itself(work, outcome):
                 raise Broken("a reason is not gone with what it names", f"{case}; it is now {outcome['because']}")
             self.check_further(case, outcome)
         return self.check_edge(case)
 
     def new_takers(self, work, outcomes):
-        """The rules that take in its place what those before have taken."""
-        if not work.because["takenBy"]:
-            return []
-        found = [taker["billNo"] for outcome in outcomes for decision in outcome["looked"]
-                 if is_there(work, {"looked": [decision], "because": decision}) for taker in decision["takenBy"]]
-        return [number for number in found if number != work.number and work.loads(number)]
+        """The rules that take in its place what those before have taken, or what was added."""
+        found = {taker["billNo"] for outcome in outcomes if is_there(work, outcome)
+                 for decision in [*outcome["looked"], outcome["because"]]
+                 if decision["reason"] == work.because["reason"] for taker in decision["takenBy"]}
+        return [number for number in sorted(found) if number != work.number and work.loads(number)]
 
     def check_further(self, case, outcome):
         """Behind a filter that lets it pass the rule comes further than before, not to an earlier reason."""

@@ -95,9 +95,9 @@ class Gain:
             self.rule_coupon_cents > other.rule_coupon_cents
 
 
-def sum_of(text, more):
+def sum_of(text, more, digits=6):
     """A sum as a till writes it: without the noise of its digits."""
-    return repr(round(float(text) + more, 6))
+    return repr(round(float(text) + more, digits))
 
 
 def add(sale, addition, less=0):
@@ -110,14 +110,14 @@ def add(sale, addition, less=0):
     elif addition["serialNo"]:
         line = sale.lines[addition["serialNo"]]
         line["PluCount"] = sum_of(line["PluCount"], count)
-        line["Total"] = sum_of(line["Total"], count * addition["price"])
+        line["Total"] = sum_of(line["Total"], count * addition["price"], 2)
     elif count > 0:
         first = next(iter(sale.lines.values()))
         number = max(sale.lines) + 1
         known = sale.goods.get(addition["pluCode"], {})
         sale.lines[number] = {
             "SerialNo": number, "PluCode": addition["pluCode"], "Price": addition["price"], "PluCount": repr(count),
-            "Total": sum_of("0", count * addition["price"]), "PackCnt": 1, "CAT": known.get("CAT", ""),
+            "Total": sum_of("0", count * addition["price"], 2), "PackCnt": 1, "CAT": known.get("CAT", ""),
             "BRD": known.get("BRD", ""), "SaleDate": first["SaleDate"], "SaleTime": first["SaleTime"]}
 
 
