@@ -385,13 +385,16 @@ class Search {
       : m_mode(mode), m_told(told), m_sale(sale), m_goods(goods) {}
 
   NearMisses Find() {
-    // What can't be come to again can't be tried out: a sale whose lines were sent anew between its modes.
-    if (!IsRepeatable()) return {};
-    NearMisses found;
+    std::vector<std::pair<RulePtr, const Decision*>> missing;
     for (const ExplainedRule& rule : m_told.Rules()) {
-      const Decision* const nearest = NearestOf(rule);
-      if (nearest == nullptr || m_calculations >= kMostCalculations) continue;
-      if (std::optional<NearMiss> near = Try(rule.Rule, *nearest)) found.push_back(std::move(*near));
+      if (const Decision* const nearest = NearestOf(rule)) missing.emplace_back(rule.Rule, nearest);
+    }
+    // What can't be come to again can't be tried out: a sale whose lines were sent anew between its modes.
+    if (missing.empty() || !IsRepeatable()) return {};
+    NearMisses found;
+    for (const auto& [rule, nearest] : missing) {
+      if (m_calculations >= kMostCalculations) break;
+      if (std::optional<NearMiss> near = Try(rule, *nearest)) found.push_back(std::move(*near));
     }
     return found;
   }
@@ -472,11 +475,22 @@ bool CanBeTried(const Mode& mode, const ProSale& before) {
          std::none_of(before.Trail.begin(), before.Trail.end(), [&](Text name) { return isOf(name, "Single"); });
 }
 
+/// Whether the store gave all rows. On one that fails nothing is tried: its driver tells a second failure in other words.
+bool IsReadable(const Explanation& told) {
+  const auto isUnread = [](const Decision& decision) { return decision.Why == Reason::Unreadable; };
+  const auto hasUnread = [&](const RuleOutcome& outcome) {
+    return std::any_of(outcome.Decisions.begin(), outcome.Decisions.end(), isUnread);
+  };
+  return std::none_of(told.Rules().begin(), told.Rules().end(), [&](const ExplainedRule& rule) {
+    return std::any_of(rule.Outcomes.begin(), rule.Outcomes.end(), hasUnread);
+  });
+}
+
 }  // namespace
 
 NearMisses FindNearMisses(const std::string& mode, const Explanation& told, const ProSale& sale, GoodsList& goods) {
   const Mode* const known = FindMode(mode.c_str());
-  if (known == nullptr || !CanBeTried(*known, told.Before())) return {};
+  if (known == nullptr || !IsReadable(told) || !CanBeTried(*known, told.Before())) return {};
   const LogSilence silence;
   const RowsKept kept;
   const DatabaseCall call(Promotion::Instance().Database().Shared());

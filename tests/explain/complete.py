@@ -207,11 +207,13 @@ class Check:
         self.schema = json.loads(pathlib.Path(options.form).read_text("utf-8"))
         self.form = checker(self.schema)
         self.seen = 0
+        self.has_odd_bytes = False
 
     def till(self, counter, till, tally):
         plain = counter.play(till, JSON)
         told = counter.play(till, EXPLAIN)
         held, amounts = Sales(), sent_amounts(till)
+        self.has_odd_bytes = "\\udc" in json.dumps(till)
         for place, (one, other) in enumerate(zip(plain, told)):
             try:
                 check_same(one, other)
@@ -235,6 +237,10 @@ class Check:
         check_sent(told, amounts)
         if "sale" in answer.data:
             lacking = {"Plu", "ProResult"} - answer.data["sale"].keys()
+            if lacking and self.has_odd_bytes:
+                # The result is read again for its JSON, and ends for that at a byte that is no UTF-8.
+                tally["cut at bytes that are no UTF-8"] += 1
+                return
             if lacking:
                 raise Broken("the result lacks groups", f"{lacking}")
             check_rows(told, answer.data["sale"], answer.data["totals"])
