@@ -102,7 +102,8 @@ ExplainReport::ExplainReport(std::ostream& out, const Paint& paint, const Store&
 void ExplainReport::RequireRule(const std::string& billNo) const {
   const std::vector<std::string> numbers = RuleNumbers();
   if (std::find(numbers.begin(), numbers.end(), billNo) != numbers.end()) return;
-  throw ToolError("no rule has the number '" + billNo + "'; the rules are " + Comma(numbers));
+  throw ToolError("no rule has the number '" + billNo + "'; the rules are " + Comma(numbers) +
+                  "; 'qncorvane lint' tells what keeps a rule from being among them");
 }
 
 void ExplainReport::RequireLine(std::int64_t line) const {

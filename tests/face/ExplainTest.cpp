@@ -168,6 +168,32 @@ TEST_F(Explaining, FindsWhatOneMorePieceBrings) {
   EXPECT_EQ(near["brings"]["ruleCents"], 90);
 }
 
+TEST_F(Explaining, FindsWhatGoodsBringThatOnlyTheStoresListHas) {
+  // The whole bundle is missing: 2 x 1.50, 2.30 and 4.20 for 8.50.
+  const Json near = NearMissOf(Explained("All", Sample("sales/yoghurt-five.xml")), "ZHGD-01");
+  EXPECT_EQ(near["add"].size(), 3U);
+  EXPECT_EQ(near["brings"]["ruleCents"], 100);
+}
+
+TEST_F(Explaining, GoesOnWithAGoodsListThatMakesNoSense) {
+  std::string deep;
+  for (int depth = 0; depth < 100000; ++depth) deep += "<Row PluCode='700101' Price='1'>";
+  const std::vector<std::string> lists = {"",
+                                          "<",
+                                          "no XML",
+                                          std::string("\0\xff\xfe", 3),
+                                          deep,
+                                          "<Goods><Row/><Row PluCode='700101' Price='NaN'/></Goods>",
+                                          "<Goods>" + std::string(10'000'000, ' ')};
+  for (const std::string& list : lists) {
+    m_store.Write("goods.xml", list);
+    const Json near = NearMissOf(Explained("All", Sample("sales/yoghurt-five.xml")), "ZHGD-01");
+    EXPECT_TRUE(near["brings"].is_null()) << list.substr(0, 60);
+  }
+  m_store.Remove("goods.xml");
+  EXPECT_TRUE(NearMissOf(Explained("All", Sample("sales/yoghurt-five.xml")), "ZHGD-01")["brings"].is_null());
+}
+
 TEST_F(Explaining, OfAGiftChoiceThatIsRefusedTellsWhatDoesNotFit) {
   ASSERT_EQ(m_engine.Calculate("1", "All", Sample("sales/till/4-subtotal.xml")).Code, QNC_OK);
   ASSERT_EQ(m_engine.Calculate("1", "MzPromotion", "<Sale/>").Code, QNC_OK);
