@@ -55,7 +55,7 @@ LinePtrs SelectSingleLines(std::vector<SalePlu>& lines) {
 }
 
 LinePtrs SelectSingleLines(const RuleRun& run) {
-  const LinePtrs single = SelectSingleLines(run.Lines());
+  LinePtrs single = SelectSingleLines(run.Lines());
   if (run.Told() == nullptr) return single;
   for (const SalePlu& line : run.Lines()) {
     if (std::find(single.begin(), single.end(), &line) != single.end()) continue;

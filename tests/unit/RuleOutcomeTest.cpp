@@ -20,7 +20,6 @@ using Corvane::Reason;
 using Corvane::Refuse;
 using Corvane::RuleOutcome;
 using Corvane::SalePlu;
-using Corvane::Telling;
 using Corvane::Text;
 using Corvane::Unit;
 using ruletest::Line;

@@ -42,7 +42,6 @@ void* realloc(void* ptr, std::size_t size) {
 
 }  // extern "C"
 
-using Corvane::Note;
 using Corvane::ProBase;
 using Corvane::ProSale;
 using Corvane::Reason;
