@@ -121,7 +121,8 @@ class Table(unittest.TestCase):
         code += (SOURCES / "tools" / "Sentences.cpp").read_text("utf-8")
         literals = re.findall(r'"((?:[^"\\\n]|\\.)*)"', code)
         # The refusals of a command line, which are English as all of them are.
-        refusals = {"no rule has the number '", "'; the rules are ", "the sale has no line ", "; its lines are "}
+        refusals = {"no rule has the number '", "'; the rules are ", "the sale has no line ", "; its lines are ",
+                    "; 'qncorvane lint' tells what keeps a rule from being among them"}
         sentences = {text for text in literals if re.search("[a-zA-Z] [a-zA-Z]|[^\x00-\x7f]", text)}
         self.assertEqual(sentences - refusals, set())
         for section in ("phrases", "headings"):
